@@ -1,0 +1,4 @@
+#pragma once
+
+// CbHandler<T> is declared with its dispatcher, whose algorithms it shares.
+#include <base/cbDispatcher.h>

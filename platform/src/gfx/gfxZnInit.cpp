@@ -1,0 +1,3 @@
+#include <base/inInit.h>
+
+static InLibraryPackage<ZnInit::gfx, ZnInit::pluginAPI> gfxPackage("gfx");

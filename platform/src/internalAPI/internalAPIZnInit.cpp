@@ -1,0 +1,3 @@
+#include <base/inInit.h>
+
+static InLibraryPackage<ZnInit::internalAPI, ZnInit::ui> internalAPIPackage("internalAPI");

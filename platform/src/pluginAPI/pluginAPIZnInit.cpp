@@ -1,0 +1,3 @@
+#include <base/inInit.h>
+
+static InLibraryPackage<ZnInit::pluginAPI, ZnInit::resmgt, ZnInit::base> pluginAPIPackage("pluginAPI");

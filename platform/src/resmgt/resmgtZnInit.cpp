@@ -1,0 +1,3 @@
+#include <base/inInit.h>
+
+static InLibraryPackage<ZnInit::resmgt, ZnInit::base> resmgtPackage("resmgt");

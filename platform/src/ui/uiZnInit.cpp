@@ -1,0 +1,3 @@
+#include <base/inInit.h>
+
+static InLibraryPackage<ZnInit::ui, ZnInit::gfx> uiPackage("ui");
