@@ -50,8 +50,7 @@ void HostPackages::printPackages(std::ostream& os) {
             os << "  build: " << b->getLibraryName() << " " << b->getVersion() << " ("
                << b->getMajorVersion() << "." << b->getMinorVersion() << "), released "
                << b->getReleaseYear() << ", build " << b->getBuildNumber() << " code "
-               << b->getBuildCode() << " of " << b->getBuildDate() << ", "
-               << b->getBuildFlavour();
+               << b->getBuildCode() << " of " << b->getBuildDate() << ", " << b->getBuildFlavour();
             if (*b->getBuildKind()) {
                 os << ", " << b->getBuildKind();
             }

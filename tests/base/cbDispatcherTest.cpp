@@ -54,8 +54,8 @@ TEST(CbDispatcher, HandlerRemovedDuringCallIsNotCalledAfterwards) {
     d.addHandler(&a);
     d.addHandler(&b);
     d.addHandler(&c);
-    a.action = [&] { d.removeHandler(&b); };  // another
-    c.action = [&] { d.removeHandler(&c); };  // itself
+    a.action = [&] { d.removeHandler(&b); }; // another
+    c.action = [&] { d.removeHandler(&c); }; // itself
     const int value = 1;
     d.call(value);
     EXPECT_EQ(log, (std::vector<int>{101, 301}));

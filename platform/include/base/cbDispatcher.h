@@ -107,9 +107,7 @@ public:
     }
 
     // For payloads without data (CbEmptyType): broadcasts a default value.
-    void call()
-        requires std::is_default_constructible_v<std::remove_const_t<T>>
-    {
+    void call() requires std::is_default_constructible_v<std::remove_const_t<T>> {
         std::remove_const_t<T> value{};
         call(value);
     }

@@ -67,5 +67,4 @@ private:
 template <class T>
 constexpr CoAffineMatrixTyped<T> CoAffineMatrixTyped<T>::IDENTITY{};
 
-extern template class CoAffineMatrixTyped<float>;
-extern template class CoAffineMatrixTyped<double>;
+// computeInverse is defined once, in the base library, for float and double.

@@ -18,8 +18,7 @@ public:
         , _yMax(yMax) {}
 
     static GeRectangle fromCorners(T x0, T y0, T x1, T y1) {
-        return GeRectangle(std::min(x0, x1), std::max(x0, x1), std::min(y0, y1),
-                           std::max(y0, y1));
+        return GeRectangle(std::min(x0, x1), std::max(x0, x1), std::min(y0, y1), std::max(y0, y1));
     }
 
     T getXMin() const { return _xMin; }

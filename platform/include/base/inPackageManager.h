@@ -72,7 +72,7 @@ private:
         std::string reason;
     };
     std::vector<std::unique_ptr<Record>> _records; // registration order
-    std::vector<InPackageInit*> _started; // start order
+    std::vector<InPackageInit*> _started;          // start order
     struct Module {
         std::string path;
         void* handle;

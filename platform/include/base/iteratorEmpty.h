@@ -10,7 +10,9 @@ class IteratorEmpty : public IteratorImp<T> {
 public:
     void first() override {}
     void last() override {}
-    void next() override { throw IteratorEx::ExOutOfRange("base/containers/src/iteratorEmpty.imp", 102); }
+    void next() override {
+        throw IteratorEx::ExOutOfRange("base/containers/src/iteratorEmpty.imp", 102);
+    }
     void previous() override {
         throw IteratorEx::ExOutOfRange("base/containers/src/iteratorEmpty.imp", 110);
     }

@@ -83,7 +83,9 @@ public:
     explicit PrdPredicate(const RCShdPtr<UnaryFunctor<E, bool>>& test)
         : _imp(new PrdFunctorPredicateImp<E>(test)) {}
 
-    static PrdPredicate all() { return PrdPredicate(RCShdPtr<PrdPredicateImp<E>>(new PrdAllPredicateImp<E>)); }
+    static PrdPredicate all() {
+        return PrdPredicate(RCShdPtr<PrdPredicateImp<E>>(new PrdAllPredicateImp<E>));
+    }
 
     bool operator()(const E& event) const { return _imp->evaluate(event); }
     bool evaluate(const E& event) const { return _imp->evaluate(event); }

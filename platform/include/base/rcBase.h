@@ -48,6 +48,12 @@ class RCBase;
 template <>
 class RCBase<LkCounter<int>> : public virtual RCCounted {
 public:
+    RCBase() = default;
+    // A copy is a new object: it starts uncounted.
+    RCBase(const RCBase&) noexcept
+        : RCCounted() {}
+    RCBase& operator=(const RCBase&) noexcept { return *this; }
+
     void rcAddRef() const noexcept final { _count.increment(); }
     bool rcRelease() const noexcept final { return _count.decrement() == 0; }
     int rcCount() const noexcept final { return _count.get(); }
@@ -60,6 +66,11 @@ private:
 template <>
 class RCBase<int> : public virtual RCCounted {
 public:
+    RCBase() = default;
+    RCBase(const RCBase&) noexcept
+        : RCCounted() {}
+    RCBase& operator=(const RCBase&) noexcept { return *this; }
+
     void rcAddRef() const noexcept final { ++_count; }
     bool rcRelease() const noexcept final { return --_count == 0; }
     int rcCount() const noexcept final { return _count; }

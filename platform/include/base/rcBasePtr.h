@@ -31,8 +31,8 @@ public:
     RCBasePtr(RCBasePtr&& other) noexcept
         : _p(std::exchange(other._p, nullptr)) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    RCBasePtr(const RCBasePtr<U>& other) noexcept
+    requires std::is_convertible_v<U*, T*> RCBasePtr(const RCBasePtr<U>& other)
+    noexcept
         : _p(other.get()) {
         addRef();
     }

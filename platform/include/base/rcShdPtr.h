@@ -12,8 +12,8 @@ public:
     RCShdPtr(const RCBasePtr<T>& other) noexcept
         : RCBasePtr<T>(other) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    RCShdPtr(const RCBasePtr<U>& other) noexcept
+    requires std::is_convertible_v<U*, T*> RCShdPtr(const RCBasePtr<U>& other)
+    noexcept
         : RCBasePtr<T>(other) {}
 };
 

@@ -13,7 +13,7 @@ public:
     RCStrongPtr(const RCBasePtr<T>& other) noexcept
         : RCBasePtr<T>(other) {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    RCStrongPtr(const RCBasePtr<U>& other) noexcept
+    requires std::is_convertible_v<U*, T*> RCStrongPtr(const RCBasePtr<U>& other)
+    noexcept
         : RCBasePtr<T>(other) {}
 };

@@ -11,8 +11,7 @@ public:
     RCWeakPtr() noexcept = default;
     RCWeakPtr(std::nullptr_t) noexcept {}
     template <class U>
-        requires std::is_convertible_v<U*, T*>
-    RCWeakPtr(const RCBasePtr<U>& strong) {
+    requires std::is_convertible_v<U*, T*> RCWeakPtr(const RCBasePtr<U>& strong) {
         assign(strong.get());
     }
     explicit RCWeakPtr(T* object) { assign(object); }

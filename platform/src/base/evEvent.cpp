@@ -1,8 +1,8 @@
 #include <base/evEvent.h>
 
 #include <cstring>
-#include <strings.h>
 #include <string>
+#include <strings.h>
 #include <typeinfo>
 
 EvEvent::~EvEvent() = default;
@@ -29,22 +29,34 @@ struct NamedKey {
 };
 
 constexpr NamedKey namedKeys[] = {
-    {"Backspace", EvKeyCode::KeyBackspace}, {"Tab", EvKeyCode::KeyTab},
-    {"Return", EvKeyCode::KeyReturn},       {"Enter", EvKeyCode::KeyReturn},
-    {"Escape", EvKeyCode::KeyEscape},       {"Space", EvKeyCode::KeySpace},
-    {"Delete", EvKeyCode::KeyDelete},       {"Left", EvKeyCode::KeyLeft},
-    {"Up", EvKeyCode::KeyUp},               {"Right", EvKeyCode::KeyRight},
-    {"Down", EvKeyCode::KeyDown},           {"PageUp", EvKeyCode::KeyPageUp},
-    {"PageDown", EvKeyCode::KeyPageDown},   {"Home", EvKeyCode::KeyHome},
-    {"End", EvKeyCode::KeyEnd},             {"Insert", EvKeyCode::KeyInsert},
-    {"Shift", EvKeyCode::KeyShift},         {"Ctrl", EvKeyCode::KeyControl},
-    {"Control", EvKeyCode::KeyControl},     {"Alt", EvKeyCode::KeyAlt},
+    {"Backspace", EvKeyCode::KeyBackspace},
+    {"Tab", EvKeyCode::KeyTab},
+    {"Return", EvKeyCode::KeyReturn},
+    {"Enter", EvKeyCode::KeyReturn},
+    {"Escape", EvKeyCode::KeyEscape},
+    {"Space", EvKeyCode::KeySpace},
+    {"Delete", EvKeyCode::KeyDelete},
+    {"Left", EvKeyCode::KeyLeft},
+    {"Up", EvKeyCode::KeyUp},
+    {"Right", EvKeyCode::KeyRight},
+    {"Down", EvKeyCode::KeyDown},
+    {"PageUp", EvKeyCode::KeyPageUp},
+    {"PageDown", EvKeyCode::KeyPageDown},
+    {"Home", EvKeyCode::KeyHome},
+    {"End", EvKeyCode::KeyEnd},
+    {"Insert", EvKeyCode::KeyInsert},
+    {"Shift", EvKeyCode::KeyShift},
+    {"Ctrl", EvKeyCode::KeyControl},
+    {"Control", EvKeyCode::KeyControl},
+    {"Alt", EvKeyCode::KeyAlt},
     {"Meta", EvKeyCode::KeyMeta},
 };
 
 } // namespace
 
-EvKeyboardState::EvKeyboardState(unsigned modifierMask) { setModifierMask(modifierMask); }
+EvKeyboardState::EvKeyboardState(unsigned modifierMask) {
+    setModifierMask(modifierMask);
+}
 
 void EvKeyboardState::setModifierMask(unsigned mask) {
     for (int id = Shift; id <= Meta; ++id) {

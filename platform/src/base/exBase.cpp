@@ -7,7 +7,9 @@
 ExBase::ExBase(std::string message)
     : _message(std::move(message)) {}
 
-const char* ExBase::what() const noexcept { return _message.c_str(); }
+const char* ExBase::what() const noexcept {
+    return _message.c_str();
+}
 
 ExNullPtr::ExNullPtr(const std::string& typeName)
     : ExBase("null pointer where an object of type " + typeName + " is required")

@@ -30,12 +30,16 @@ void InPackageInit::removeDependency(InVariableBase* dependency) {
     }
 }
 
-const char* InPackageInit::getName() const { return _name.c_str(); }
+const char* InPackageInit::getName() const {
+    return _name.c_str();
+}
 void InPackageInit::preStartup() {}
 void InPackageInit::postShutdown() {}
 void InPackageInit::startup() {}
 void InPackageInit::shutdown() {}
-void InPackageInit::setFlag(bool value) { _flag = value; }
+void InPackageInit::setFlag(bool value) {
+    _flag = value;
+}
 
 void InPackageInit::registerPackage() {
     if (!_registered) {

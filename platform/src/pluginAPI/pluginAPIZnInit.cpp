@@ -1,3 +1,4 @@
 #include <base/inInit.h>
 
-static InLibraryPackage<ZnInit::pluginAPI, ZnInit::resmgt, ZnInit::base> pluginAPIPackage("pluginAPI");
+static InLibraryPackage<ZnInit::pluginAPI, ZnInit::resmgt, ZnInit::base>
+    pluginAPIPackage("pluginAPI");

@@ -2,7 +2,9 @@
 
 #include <cctype>
 
-LiString LiStringUtil::convertNb(int number) { return std::to_string(number); }
+LiString LiStringUtil::convertNb(int number) {
+    return std::to_string(number);
+}
 
 LiString LiStringUtil::sanitise(const LiString& text, const LiString& replacement) {
     LiString out;

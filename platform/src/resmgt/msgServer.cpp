@@ -28,8 +28,8 @@ std::shared_ptr<const MsgCatalogue> MsgServer::loadCached(const std::string& fil
     } else {
         auto loaded = std::make_shared<MsgCatalogue>(MsgCatalogue::load(path));
         for (const auto& error : loaded->errors()) {
-            ExReporter::getInstance().report(error.file + (error.line ? ":" + std::to_string(error.line) : ""),
-                                             error.message);
+            ExReporter::getInstance().report(
+                error.file + (error.line ? ":" + std::to_string(error.line) : ""), error.message);
         }
         if (loaded->isReadable()) {
             catalogue = loaded;
@@ -122,10 +122,14 @@ MsgSubscription::~MsgSubscription() {
     }
 }
 
-LiString MsgSubscription::getText() const { return _text; }
+LiString MsgSubscription::getText() const {
+    return _text;
+}
 
 MsgFileGuard::MsgFileGuard(const char* file) {
     MsgServer::getInstance().pushCatalogue(file ? file : "");
 }
 
-MsgFileGuard::~MsgFileGuard() { MsgServer::getInstance().popCatalogue(); }
+MsgFileGuard::~MsgFileGuard() {
+    MsgServer::getInstance().popCatalogue();
+}

@@ -1,3 +1,5 @@
 #include <base/inInit.h>
 
-static InLibraryPackage<ZnInit::tesseraZntool, ZnInit::tesseraUtil, ZnInit::appUi, ZnInit::internalAPI, ZnInit::primitives> tesseraPackage("tesseraZntool");
+static InLibraryPackage<ZnInit::tesseraZntool, ZnInit::tesseraUtil, ZnInit::appUi,
+                        ZnInit::internalAPI, ZnInit::primitives>
+    tesseraPackage("tesseraZntool");
