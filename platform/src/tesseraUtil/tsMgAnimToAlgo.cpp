@@ -1,0 +1,21 @@
+#include <tesseraUtil/tsMgAnimToAlgo.h>
+
+#include <algorithm>
+
+namespace {
+
+float unitClamp(float v) {
+    // NaN fails both comparisons and ends up 0.
+    return v > 0.0f ? std::min(v, 1.0f) : 0.0f;
+}
+
+} // namespace
+
+float TsMgAnimToAlgo::overallToIntrusion(float overall) {
+    const float o = unitClamp(overall);
+    return MaxIntrusion * o * o;
+}
+
+float TsMgAnimToAlgo::rangeEToOpponent(float rangeE) {
+    return 1.0f / (MinEdgeWidth + unitClamp(rangeE));
+}
