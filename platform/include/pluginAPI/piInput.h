@@ -1,0 +1,193 @@
+#pragma once
+
+#include <base/assertions.h>
+#include <base/cbDispatcher.h>
+#include <base/cbEmptyType.h>
+#include <base/rcShdPtr.h>
+#include <pluginAPI/piGraphObject.h>
+#include <pluginAPI/piInputPolicy.h>
+#include <pluginAPI/piValue.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+class PiNode;
+class PiCommandStack;
+
+// One animation key: the input's value at a frame.
+struct PiAnimKey {
+    double time = 0.0;
+    PiValue value;
+};
+
+// Everything an input holds that an edit can change: what the command stack
+// keeps before and after a step, and what a setup saves.
+struct PiInputState {
+    PiValue constant;            // the value at every time while there are no keys
+    std::vector<PiAnimKey> keys; // sorted by time, times distinct
+    bool locked = false;
+
+    bool operator==(const PiInputState& other) const;
+    // An estimate of the bytes this state occupies (the undo history's
+    // memory).
+    std::size_t memoryUse() const;
+};
+
+// A value of a node: typed, animatable, lockable, observable.
+//
+// Reading at a time: without keys the input holds its constant value at every
+// time; with keys, doubles and colours interpolate linearly between the two
+// keys around the time, integers and flags hold the value of the last key at
+// or before it, and before the first key (after the last) the first (last)
+// key's value holds.
+//
+// Writing: every change goes through the command stack of the graph that
+// holds the input's node (PiCommandStack), so it is undoable; an input of a
+// node outside any graph changes without history. A write to a locked input,
+// or of a value that is not finite, is refused (the edit answers false and
+// nothing changes). Numbers are clamped into the input's range policy. A
+// write that leaves the input as it was succeeds and changes nothing (no
+// callbacks).
+//
+// After every change (an edit, an undo, a redo, a load) the input's
+// value-changed handlers are called, then its node fires
+// PiNodeEvent::ValueChanged.
+class PiInput : public PiGraphObject {
+public:
+    PiInput(const LiString& name, const PiValue& defaultValue);
+    ~PiInput() override;
+
+    // The socket name, unique among the inputs of one node.
+    const LiString& getName() const { return _name; }
+    PiValueType getType() const { return _type; }
+    const PiValue& getDefault() const { return _default; }
+    bool isAnimatable() const { return PiValueUtil::isAnimatable(_type); }
+
+    // --- Reading
+    PiValue getValue(double time) const;
+    // The value as T, which must be the input's type (an assertion otherwise).
+    template <class T>
+    T getTypedValue(double time) const;
+    const PiInputState& getState() const { return _state; }
+    bool hasKeys() const { return !_state.keys.empty(); }
+    int getKeyCount() const { return static_cast<int>(_state.keys.size()); }
+    const std::vector<PiAnimKey>& getKeys() const { return _state.keys; }
+    bool hasKeyAt(double time) const;
+    bool isLocked() const { return _state.locked; }
+    // Grows by one at every change; views compare it to tell a stale cache.
+    std::uint64_t getRevision() const { return _revision; }
+
+    // --- Editing (undoable; see the class comment)
+    // At a time: an input without keys takes the value as its constant; an
+    // input with keys sets the key at that time, adding one if there is none.
+    bool setValue(double time, const PiValue& value);
+    template <class T>
+    bool setTypedValue(double time, const T& value) {
+        return setValue(time, PiValue(value));
+    }
+    // Sets (or adds) the key at the time; the first key of an input turns it
+    // from constant to animated. Refused for kinds that do not animate.
+    bool setKey(double time, const PiValue& value);
+    // Removes the key at exactly that time; false when there is none. The last
+    // key's value becomes the constant value when the last key goes.
+    bool removeKey(double time);
+    // Removes every key and holds the value.
+    bool setConstant(const PiValue& value);
+    bool resetToDefault() { return setConstant(_default); }
+    // Locking is an edit too (undoable, saved with setups). A locked input
+    // refuses value edits until unlocked.
+    void setLocked(bool locked);
+    // Replaces the whole state (a setup being loaded): the current lock does
+    // not refuse it. False when a value is of the wrong type or not finite, or
+    // the keys are not in strictly increasing time.
+    bool setState(const PiInputState& state);
+
+    // Used by the command stack to undo and redo: puts the state back without
+    // recording anything, then notifies as an edit does.
+    void restoreState(const PiInputState& state);
+
+    // --- Policy
+    const RCShdPtr<const PiInputPolicy>& getPolicy() const { return _policy; }
+    void setPolicy(const RCShdPtr<const PiInputPolicy>& policy);
+
+    // --- Observers: called after every change of the input.
+    void addValueChangedCb(CbHandler<CbEmptyType>* handler) { _valueChanged.addHandler(handler); }
+    void removeValueChangedCb(CbHandler<CbEmptyType>* handler) {
+        _valueChanged.removeHandler(handler);
+    }
+
+    // The node that holds the input (null for a free input or once the node
+    // is gone).
+    PiNode* getNode() const { return _node; }
+    // The command stack edits go through: the one of the node's graph, or
+    // null.
+    PiCommandStack* getCommandStack() const;
+
+private:
+    friend class PiNode;
+    class Edit;
+
+    void setNode(PiNode* node) { _node = node; }
+    bool accepts(const PiValue& value) const;
+    void constrain(PiValue& value) const;
+    void notifyChanged();
+    [[noreturn]] void wrongType(int line, const char* expression) const;
+
+    LiString _name;
+    PiValueType _type;
+    PiValue _default;
+    PiInputState _state;
+    std::uint64_t _revision = 0;
+    RCShdPtr<const PiInputPolicy> _policy;
+    const PiRangeInputPolicy<double>* _rangeDouble = nullptr;
+    const PiRangeInputPolicy<int>* _rangeInt = nullptr;
+    PiNode* _node = nullptr;
+    CbDispatcher<CbEmptyType> _valueChanged;
+};
+
+// A structured input: a colour of three components (red, green, blue), read
+// and written as one value so that a change of colour is one change.
+class PiStructuredInput : public PiInput {
+public:
+    PiStructuredInput(const LiString& name, const CoRgbColorTyped<float>& defaultValue);
+
+    static constexpr int ComponentCount = 3;
+    // "red", "green", "blue".
+    static const char* getComponentName(int component);
+};
+
+template <class T>
+T PiInput::getTypedValue(double time) const {
+    if (_type != PiValueTypeOf<T>::value) {
+        wrongType(__LINE__, "_type == PiValueTypeOf<T>::value");
+    }
+    const auto& keys = _state.keys;
+    if (keys.empty()) {
+        return std::get<T>(_state.constant);
+    }
+    auto after = std::upper_bound(keys.begin(), keys.end(), time,
+                                  [](double t, const PiAnimKey& k) { return t < k.time; });
+    if (after == keys.begin()) {
+        return std::get<T>(after->value);
+    }
+    const PiAnimKey& a = *(after - 1);
+    if (after == keys.end()) {
+        return std::get<T>(a.value);
+    }
+    const PiAnimKey& b = *after;
+    const double f = (time - a.time) / (b.time - a.time);
+    if constexpr (std::is_same_v<T, double>) {
+        const double va = std::get<double>(a.value);
+        return va + (std::get<double>(b.value) - va) * f;
+    } else if constexpr (std::is_same_v<T, CoRgbColorTyped<float>>) {
+        const auto& ca = std::get<T>(a.value);
+        const auto& cb = std::get<T>(b.value);
+        const float ff = static_cast<float>(f);
+        return {ca.r + (cb.r - ca.r) * ff, ca.g + (cb.g - ca.g) * ff, ca.b + (cb.b - ca.b) * ff};
+    } else {
+        return std::get<T>(a.value);
+    }
+}

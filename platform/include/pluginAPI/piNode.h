@@ -1,0 +1,66 @@
+#pragma once
+
+#include <base/rcShdPtr.h>
+#include <pluginAPI/piGraphObject.h>
+#include <pluginAPI/piInput.h>
+#include <pluginAPI/piNodeController.h>
+#include <resmgt/liString.h>
+
+#include <vector>
+
+class PiGraph;
+class PiGroupNode;
+class PiCommandStack;
+
+// A node of the processing graph: a name, an ordered set of inputs (its
+// values) and a controller (its behaviour). A node belongs to at most one
+// group; the graph of the outermost group is the node's graph, and the
+// graph's command stack records every change to the node's inputs.
+class PiNode : public PiGraphObject {
+public:
+    explicit PiNode(const LiString& name);
+    ~PiNode() override;
+
+    const LiString& getName() const { return _name; }
+    // Renaming fires PiNodeEvent::NameChanged on the node's controller and on
+    // its group's. Renames are not recorded by the command stack.
+    void setName(const LiString& name);
+
+    // The controller; a plain PiNodeController until a library sets its own.
+    const RCShdPtr<PiNodeController>& getController() const { return _controller; }
+    void setController(const RCShdPtr<PiNodeController>& controller);
+
+    // Inputs, in the order they were added. Names are unique within a node.
+    int getInputCount() const { return static_cast<int>(_inputs.size()); }
+    const RCShdPtr<PiInput>& getInput(int index) const { return _inputs.at(index); }
+    // Empty when the node has no input of that name.
+    RCShdPtr<PiInput> getInput(const LiString& name) const;
+    // Adds an input; a second input of the same name, or an input that
+    // already belongs to a node, is an assertion failure.
+    void addInput(const RCShdPtr<PiInput>& input);
+
+    // The group that holds the node, or null.
+    PiGroupNode* getParent() const { return _parent; }
+    // The graph the node belongs to; empty for a node outside any graph.
+    RCShdPtr<PiGraph> getGraph() const;
+    PiGraph* getGraphPtr() const { return _graph; }
+    // The graph's command stack (null outside a graph). The usual way in:
+    // node->getGraph()->getCommandStack(), which answers a reference and
+    // throws ExNullPtr for a node outside any graph.
+    PiCommandStack* getCommandStack() const;
+
+    // Called by the inputs after each change: tells the controller, then
+    // fires PiNodeEvent::ValueChanged on it.
+    void inputChanged(PiInput& input);
+
+private:
+    friend class PiGroupNode;
+    friend class PiGraph;
+    virtual void setGraph(PiGraph* graph) { _graph = graph; }
+
+    LiString _name;
+    RCShdPtr<PiNodeController> _controller;
+    std::vector<RCShdPtr<PiInput>> _inputs;
+    PiGroupNode* _parent = nullptr;
+    PiGraph* _graph = nullptr;
+};

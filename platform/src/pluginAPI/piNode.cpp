@@ -1,0 +1,101 @@
+#include <pluginAPI/piGraph.h>
+#include <pluginAPI/piGroupNode.h>
+#include <pluginAPI/piNode.h>
+
+#include <base/assertions.h>
+
+namespace {
+
+const char* const sourcePath = "platform/src/pluginAPI/piNode.cpp";
+
+} // namespace
+
+PiNode::PiNode(const LiString& name)
+    : _name(name)
+    , _controller(new PiNodeController) {
+    _controller->attach(this);
+}
+
+PiNode::~PiNode() {
+    for (const RCShdPtr<PiInput>& input : _inputs) {
+        input->setNode(nullptr);
+    }
+    if (_controller) {
+        _controller->attach(nullptr);
+    }
+}
+
+void PiNode::setName(const LiString& name) {
+    if (name == _name) {
+        return;
+    }
+    const LiString old = _name;
+    _name = name;
+    if (rcCount() == 0) {
+        return; // not held yet (being built): nobody can listen
+    }
+    const RCShdPtr<PiNode> self(this);
+    const PiNodeEvent::NameChanged event(self, old);
+    // The controller may be replaced by a handler; keep it while it is called.
+    const RCShdPtr<PiNodeController> controller = _controller;
+    controller->fireEvent(event);
+    if (_parent) {
+        const RCShdPtr<PiNodeController> groupController = _parent->getController();
+        if (groupController != controller) {
+            groupController->fireEvent(event);
+        }
+    }
+}
+
+void PiNode::setController(const RCShdPtr<PiNodeController>& controller) {
+    if (!controller) {
+        RCExUtil::throwExNullPtr(typeNameOf<PiNodeController>().c_str());
+    }
+    if (controller->getNodePtr() && controller->getNodePtr() != this) {
+        Assertions::throwAssertionFailed(sourcePath, __LINE__, "controller of no other node");
+    }
+    _controller->attach(nullptr);
+    _controller = controller;
+    _controller->attach(this);
+}
+
+RCShdPtr<PiInput> PiNode::getInput(const LiString& name) const {
+    for (const RCShdPtr<PiInput>& input : _inputs) {
+        if (input->getName() == name) {
+            return input;
+        }
+    }
+    return RCShdPtr<PiInput>();
+}
+
+void PiNode::addInput(const RCShdPtr<PiInput>& input) {
+    if (!input) {
+        RCExUtil::throwExNullPtr(typeNameOf<PiInput>().c_str());
+    }
+    if (input->getNode() || getInput(input->getName())) {
+        Assertions::throwAssertionFailed(sourcePath, __LINE__,
+                                         "input of no node, with a name new to this node");
+    }
+    _inputs.push_back(input);
+    input->setNode(this);
+}
+
+RCShdPtr<PiGraph> PiNode::getGraph() const {
+    return _graph ? RCShdPtr<PiGraph>(_graph) : RCShdPtr<PiGraph>();
+}
+
+PiCommandStack* PiNode::getCommandStack() const {
+    return _graph ? &_graph->getCommandStack() : nullptr;
+}
+
+void PiNode::inputChanged(PiInput& input) {
+    if (rcCount() == 0) {
+        return; // not held yet (being built) or being destroyed: nobody can listen
+    }
+    const RCShdPtr<PiNodeController> controller = _controller;
+    controller->inputChanged(input);
+    if (controller->hasCallbacks(typeid(PiNodeEvent::ValueChanged))) {
+        controller->fireEvent(
+            PiNodeEvent::ValueChanged(RCShdPtr<PiNode>(this), RCShdPtr<PiInput>(&input)));
+    }
+}

@@ -1,0 +1,127 @@
+#include <pluginAPI/piGraph.h>
+#include <pluginAPI/piInputRgbColor.h>
+#include <pluginAPI/piInputValue.h>
+
+#include <base/cbMethod.h>
+#include <base/exBase.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+
+namespace {
+
+// A keyed input seen through views at the time of a time client.
+class InputViews : public ::testing::Test {
+protected:
+    void SetUp() override {
+        graph = PiGraph::create();
+        node = rcMake<PiNode>("node");
+        softness = rcMake<PiInput>("softness", PiValue(0.0));
+        key = rcMake<PiStructuredInput>("keyColor1", CoRgbColorTyped<float>());
+        node->addInput(softness);
+        node->addInput(key);
+        graph->getRoot()->addNode(node);
+        softness->setKey(0.0, PiValue(0.0));
+        softness->setKey(10.0, PiValue(1.0));
+        client = std::make_unique<TmTimeClient>(5.0);
+        timePath = RCShdPtr<const PiTimePath>(
+            new PiTimePath(client.get(), RCShdPtr<const PiPath>(new PiPath(node))));
+    }
+
+    void onChanged() { ++changed; }
+    void onUpdate() { ++updates; }
+
+    RCShdPtr<PiGraph> graph;
+    RCShdPtr<PiNode> node;
+    RCShdPtr<PiInput> softness;
+    RCShdPtr<PiStructuredInput> key;
+    std::unique_ptr<TmTimeClient> client;
+    RCShdPtr<const PiTimePath> timePath;
+    int changed = 0;
+    int updates = 0;
+    CbMethod<InputViews, CbEmptyType> changedCb{this, &InputViews::onChanged};
+    CbMethod<InputViews, CbEmptyType> updateCb{this, &InputViews::onUpdate};
+};
+
+TEST_F(InputViews, AViewReadsAndWritesAtItsTimePathsTime) {
+    auto view = PiInputValue<double>::createTyped(softness, timePath);
+    EXPECT_DOUBLE_EQ(view->getValue(), 0.5);
+    EXPECT_TRUE(view->setValue(0.9)); // a key at frame 5
+    EXPECT_TRUE(softness->hasKeyAt(5.0));
+    client->setTime(7.5);
+    EXPECT_DOUBLE_EQ(view->getValue(), 0.95);
+    EXPECT_EQ(timePath->getPath()->toString(), "/node");
+}
+
+TEST_F(InputViews, NeedsUpdateTellsAStaleCacheFromEditsAndTimeChanges) {
+    auto view = PiInputValue<double>::createTyped(softness, timePath);
+    EXPECT_FALSE(view->needsUpdate());
+    softness->setKey(10.0, PiValue(0.5));
+    EXPECT_TRUE(view->needsUpdate());
+    EXPECT_DOUBLE_EQ(view->getValue(), 0.25); // live even before the update
+    view->update();
+    EXPECT_FALSE(view->needsUpdate());
+    client->setTime(6.0);
+    EXPECT_TRUE(view->needsUpdate());
+    view->update();
+    EXPECT_DOUBLE_EQ(view->getValue(), 0.3);
+}
+
+TEST_F(InputViews, ChangedHandlersFollowTheInputUpdateHandlersTheTime) {
+    auto view = PiInputValue<double>::createTyped(softness, timePath);
+    view->addValueChangedCb(&changedCb);
+    view->addUpdateCb(&updateCb);
+    softness->setKey(0.0, PiValue(0.2));
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(updates, 0);
+    client->setTime(8.0);
+    client->setTime(8.0);
+    EXPECT_EQ(updates, 1);
+    view->removeValueChangedCb(&changedCb);
+    softness->setKey(0.0, PiValue(0.3));
+    EXPECT_EQ(changed, 1);
+}
+
+TEST_F(InputViews, RefusedWritesChangeNothingAndNotifyNobody) {
+    auto view = PiInputValue<double>::createTyped(softness, timePath);
+    view->addValueChangedCb(&changedCb);
+    const PiInputState before = softness->getState();
+    EXPECT_FALSE(view->setValue(std::numeric_limits<double>::quiet_NaN()));
+    softness->setLocked(true);
+    changed = 0;
+    EXPECT_TRUE(view->isLocked());
+    EXPECT_FALSE(view->setValue(0.1));
+    EXPECT_EQ(changed, 0);
+    EXPECT_TRUE(softness->getState().keys.size() == before.keys.size());
+}
+
+TEST_F(InputViews, ViewsOfAnotherKindOrOfNothingAreRefused) {
+    EXPECT_THROW(PiInputValue<int>::createTyped(softness, timePath), ExCastFailed);
+    EXPECT_THROW(PiInputValue<double>::createTyped(nullptr, timePath), ExNullPtr);
+    EXPECT_THROW(PiInputRgbColor::create(nullptr, timePath), ExNullPtr);
+}
+
+TEST_F(InputViews, AColourIsReadAndWrittenAsOneValue) {
+    auto colour = PiInputRgbColor::create(key, timePath);
+    colour->addValueChangedCb(&changedCb);
+    EXPECT_TRUE(colour->setValue({0.1f, 0.8f, 0.2f}));
+    EXPECT_EQ(changed, 1);
+    EXPECT_EQ(colour->getValue(), CoRgbColorTyped<float>(0.1f, 0.8f, 0.2f));
+    node->getGraph()->getCommandStack().undo();
+    EXPECT_EQ(colour->getValue(), CoRgbColorTyped<float>());
+    EXPECT_EQ(changed, 2);
+}
+
+TEST_F(InputViews, ATimePathWhoseClientIsGoneReadsFrameZero) {
+    auto view = PiInputValue<double>::createTyped(softness, timePath);
+    view->addUpdateCb(&updateCb);
+    client.reset();
+    EXPECT_EQ(timePath->getTimeClient(), nullptr);
+    EXPECT_EQ(timePath->getTime(), 0.0);
+    EXPECT_DOUBLE_EQ(view->getValue(), 0.0);
+    EXPECT_FALSE(updateCb.isConnected());
+}
+
+} // namespace
