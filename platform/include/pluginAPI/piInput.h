@@ -52,9 +52,9 @@ struct PiInputState {
 // write that leaves the input as it was succeeds and changes nothing (no
 // callbacks).
 //
-// After every change (an edit, an undo, a redo, a load) the input's
-// value-changed handlers are called, then its node fires
-// PiNodeEvent::ValueChanged.
+// After every change (an edit, an undo, a redo, a load) the node's controller
+// is told, then the input's value-changed handlers are called, then the node
+// fires PiNodeEvent::ValueChanged.
 class PiInput : public PiGraphObject {
 public:
     PiInput(const LiString& name, const PiValue& defaultValue);
@@ -64,7 +64,11 @@ public:
     const LiString& getName() const { return _name; }
     PiValueType getType() const { return _type; }
     const PiValue& getDefault() const { return _default; }
-    bool isAnimatable() const { return PiValueUtil::isAnimatable(_type); }
+    // Whether keys may be set: numbers, flags and colours, unless the input was
+    // made static (one value at all times, such as a list of names or an
+    // index).
+    bool isAnimatable() const { return _animatable; }
+    void setStatic() { _animatable = false; }
 
     // --- Reading
     PiValue getValue(double time) const;
@@ -145,6 +149,7 @@ private:
     const PiRangeInputPolicy<double>* _rangeDouble = nullptr;
     const PiRangeInputPolicy<int>* _rangeInt = nullptr;
     PiNode* _node = nullptr;
+    bool _animatable;
     CbDispatcher<CbEmptyType> _valueChanged;
 };
 

@@ -49,9 +49,13 @@ public:
     // throws ExNullPtr for a node outside any graph.
     PiCommandStack* getCommandStack() const;
 
-    // Called by the inputs after each change: tells the controller, then
-    // fires PiNodeEvent::ValueChanged on it.
+    // Called by the inputs after each change: first tells the controller (so
+    // that state it derives from its inputs is right when anyone hears of
+    // the change) ...
     void inputChanged(PiInput& input);
+    // ... and, after the input's own handlers, fires PiNodeEvent::ValueChanged
+    // on it.
+    void fireValueChanged(PiInput& input);
 
 private:
     friend class PiGroupNode;

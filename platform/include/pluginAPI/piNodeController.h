@@ -51,8 +51,9 @@ public:
     void fireEvent(const PiNodeEvent& event);
 
 protected:
-    // Called when an input of the node changed, before the ValueChanged event
-    // is fired: controllers that derive state from their inputs react here.
+    // Called when an input of the node changed, before anyone else hears of
+    // it: controllers that derive state from their inputs react here. Must
+    // not edit inputs (it runs during undo and redo too).
     virtual void inputChanged(PiInput& input);
 
 private:

@@ -88,7 +88,8 @@ private:
 PiInput::PiInput(const LiString& name, const PiValue& defaultValue)
     : _name(name)
     , _type(PiValueUtil::getType(defaultValue))
-    , _default(defaultValue) {
+    , _default(defaultValue)
+    , _animatable(PiValueUtil::isAnimatable(_type)) {
     _state.constant = defaultValue;
 }
 
@@ -267,9 +268,12 @@ void PiInput::constrain(PiValue& value) const {
 
 void PiInput::notifyChanged() {
     ++_revision;
-    _valueChanged.call();
     if (_node) {
         _node->inputChanged(*this);
+    }
+    _valueChanged.call();
+    if (_node) {
+        _node->fireValueChanged(*this);
     }
 }
 

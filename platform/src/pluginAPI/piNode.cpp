@@ -89,11 +89,15 @@ PiCommandStack* PiNode::getCommandStack() const {
 }
 
 void PiNode::inputChanged(PiInput& input) {
+    const RCShdPtr<PiNodeController> controller = _controller;
+    controller->inputChanged(input);
+}
+
+void PiNode::fireValueChanged(PiInput& input) {
     if (rcCount() == 0) {
         return; // not held yet (being built) or being destroyed: nobody can listen
     }
     const RCShdPtr<PiNodeController> controller = _controller;
-    controller->inputChanged(input);
     if (controller->hasCallbacks(typeid(PiNodeEvent::ValueChanged))) {
         controller->fireEvent(
             PiNodeEvent::ValueChanged(RCShdPtr<PiNode>(this), RCShdPtr<PiInput>(&input)));
