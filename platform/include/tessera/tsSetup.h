@@ -1,0 +1,52 @@
+#pragma once
+
+#include <pluginAPI/piNode.h>
+#include <resmgt/liString.h>
+
+// Keyer setups: a keyer group (its slots, its selected node and all its
+// keyer nodes) or a single keyer node, saved to a text file and loaded back
+// exactly: every input's value, animation keys and lock (image inputs are the
+// host's and are not saved).
+//
+// The format, one statement a line ('#' starts a comment outside quotes):
+//
+//   tessera-setup 1                      the format and its version: first
+//   group "keyer" generation 1           a group section (group setups only)
+//   input "slot1" node "keyer1"          a node reference: a quoted name of a
+//   input "slot2" node -                 node in the group, - for none, self
+//   input "selectedNodes" node self      for the group itself
+//   node "keyer1"                        a keyer node section
+//   patches 2                            how many patches have inputs
+//   input "overall" double 0.25 keys 2 0 0.2 24 0.8
+//   input "keyColor1" rgb locked 0.1 0.7 0.2
+//   input "patchNames" strings 2 "Patch 1" "Patch 2"
+//   end                                  the last line
+//
+// An input line is: input NAME TYPE [locked] VALUE [keys N TIME VALUE ...],
+// VALUE being the constant value (for an int, a bool: true or false, an rgb:
+// three numbers). Numbers are written in the shortest form that reads back
+// to the same value.
+//
+// Saving writes a temporary file beside the target and renames it over the
+// target, so a failed save leaves the old file whole. Loading reads and
+// checks the whole file before it changes anything; a damaged or foreign
+// file is refused with the file, the line and what is wrong, and the keyer
+// is left as it was. A load is one undo step ("Load Setup"); inputs the file
+// does not mention go back to their defaults, and keyer nodes of a group
+// setup that the group lacks are added to it.
+class TsSetup {
+public:
+    static constexpr int Version = 1;
+
+    // `keyer` is a TsKeyerGroup or a TsKeyerNode. On failure both answer
+    // false, report through ExReporter and, when `error` is given, put the
+    // message there.
+    static bool save(const PiNode& keyer, const LiString& path, LiString* error = nullptr);
+    static bool load(PiNode& keyer, const LiString& path, LiString* error = nullptr);
+
+    // The same, on text: what save writes, and loading from it (`source`
+    // names the text in messages).
+    static bool write(const PiNode& keyer, LiString& text, LiString* error = nullptr);
+    static bool read(PiNode& keyer, const LiString& text, const LiString& source,
+                     LiString* error = nullptr);
+};
