@@ -4,6 +4,7 @@
 #include <base/rcShdPtr.h>
 #include <base/rcStrongPtr.h>
 #include <pluginAPI/piInput.h>
+#include <pluginAPI/piNode.h>
 #include <pluginAPI/piNodeController.h>
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piTimePath.h>
@@ -17,7 +18,6 @@
 class PiViewer;
 class PiEventHandler;
 class PiWidget;
-class PiNode;
 
 // The matte-generation stage of a keyer node: its nine matte parameters, its
 // two key colours and its patches. Reached by casting the keyer node's

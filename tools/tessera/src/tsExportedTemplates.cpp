@@ -1,7 +1,24 @@
 // Instantiations of host templates that this module exports for sibling
 // modules.
+#include "tsMgInputValues.h"
+
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
+#include <base/rcBasePtr.h>
+#include <base/rcShdPtr.h>
+#include <tessera/tsMgTypes.h>
+
+#include <ostream>
 
 template class CbDispatcher<CbEmptyType>;
 template class CbHandler<CbEmptyType>;
+
+// The matte-parameter broadcast of TsMgInputValues.
+template class CbDispatcher<const TsMgTypes::MatteParam>;
+template class CbHandler<const TsMgTypes::MatteParam>;
+
+// The value holder's counted pointers, with their dump.
+template class RCBasePtr<TsMgInputValues>;
+template class RCBasePtr<const TsMgInputValues>;
+template class RCShdPtr<TsMgInputValues>;
+template class RCShdPtr<const TsMgInputValues>;
