@@ -54,9 +54,22 @@ public:
     const EvKeyboardState& getKeyboardState() const { return _keys; }
     EvKeyboardState& getKeyboardState() { return _keys; }
 
+    // Where the event happened on the screen, when the host knows it (events
+    // that come from a window do). Events that a grab delivers from any
+    // window carry screen coordinates in getCoord; a PiEventContext made for a
+    // viewer brings them back to that viewer's window through this position.
+    bool hasGlobalCoord() const { return _hasGlobal; }
+    const GePoint2<float>& getGlobalCoord() const { return _global; }
+    void setGlobalCoord(const GePoint2<float>& global) {
+        _global = global;
+        _hasGlobal = true;
+    }
+
 private:
     GePoint2<float> _coord;
     EvKeyboardState _keys;
+    GePoint2<float> _global;
+    bool _hasGlobal = false;
 };
 
 // Pointer buttons.

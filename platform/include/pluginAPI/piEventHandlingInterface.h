@@ -1,0 +1,40 @@
+#pragma once
+
+#include <base/cbDispatcher.h>
+#include <base/cbEmptyType.h>
+#include <base/rcShdPtr.h>
+
+class PiEventHandler;
+class PiViewer;
+
+// The application's view of viewer event handling (one per application): the
+// current viewer and its event handler, and listeners that are called when
+// the current viewer changes or its handler is replaced.
+//
+// Viewers report themselves: setCurrentViewer when a viewer becomes current
+// (it gets the focus, or is the first one made), handlerReplaced when a
+// viewer installs another handler, viewerDestroyed when it goes.
+class PiEventHandlingInterface {
+public:
+    static PiEventHandlingInterface& getInstance();
+
+    // The current viewer's handler; empty with no current viewer.
+    RCShdPtr<PiEventHandler> getCurrentEventHandler() const;
+    PiViewer* getCurrentViewer() const { return _viewer; }
+
+    void addCurrentEventHandlerChangedCallback(CbHandler<CbEmptyType>* handler);
+    void removeCurrentEventHandlerChangedCallback(CbHandler<CbEmptyType>* handler);
+
+    // Host side. Listeners are called, their exceptions contained and
+    // reported, when the current handler may have changed.
+    void setCurrentViewer(PiViewer* viewer);
+    void handlerReplaced(PiViewer& viewer);
+    void viewerDestroyed(PiViewer& viewer);
+
+private:
+    PiEventHandlingInterface() = default;
+    void notify();
+
+    PiViewer* _viewer = nullptr;
+    CbDispatcher<CbEmptyType> _changed;
+};

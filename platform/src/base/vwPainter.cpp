@@ -1,0 +1,3 @@
+#include <base/vwPainter.h>
+
+VwPainter::~VwPainter() = default;

@@ -1,0 +1,52 @@
+#include <pluginAPI/piEventHandler.h>
+#include <pluginAPI/piEventHandlingInterface.h>
+#include <pluginAPI/piViewer.h>
+
+#include <base/exReporter.h>
+
+PiEventHandlingInterface& PiEventHandlingInterface::getInstance() {
+    static PiEventHandlingInterface instance;
+    return instance;
+}
+
+RCShdPtr<PiEventHandler> PiEventHandlingInterface::getCurrentEventHandler() const {
+    return _viewer ? _viewer->getCurrentEventHandler() : RCShdPtr<PiEventHandler>();
+}
+
+void PiEventHandlingInterface::addCurrentEventHandlerChangedCallback(
+    CbHandler<CbEmptyType>* handler) {
+    _changed.addHandler(handler);
+}
+
+void PiEventHandlingInterface::removeCurrentEventHandlerChangedCallback(
+    CbHandler<CbEmptyType>* handler) {
+    _changed.removeHandler(handler);
+}
+
+void PiEventHandlingInterface::setCurrentViewer(PiViewer* viewer) {
+    if (viewer == _viewer) {
+        return;
+    }
+    const RCShdPtr<PiEventHandler> before = getCurrentEventHandler();
+    _viewer = viewer;
+    if (getCurrentEventHandler().get() != before.get()) {
+        notify();
+    }
+}
+
+void PiEventHandlingInterface::handlerReplaced(PiViewer& viewer) {
+    if (&viewer == _viewer) {
+        notify();
+    }
+}
+
+void PiEventHandlingInterface::viewerDestroyed(PiViewer& viewer) {
+    if (&viewer == _viewer) {
+        _viewer = nullptr;
+        notify();
+    }
+}
+
+void PiEventHandlingInterface::notify() {
+    exContain("current event handler changed", [this] { _changed.call(); });
+}
