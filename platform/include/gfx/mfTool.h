@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+class PiCommandStack;
 class PiEventContext;
 class PiViewer;
 class VwView;
@@ -34,7 +35,10 @@ class VwView;
 // whether the event is processed.
 //
 // Undo: everything a manipulation changes, from grasp to release, is one
-// step on the command stack of the viewer's graph, named by setUndoString.
+// step on the command stack of the viewer's graph (PiViewer::getCommandStack),
+// named by setUndoString ("Viewer Tool" when unset): begun (transition 1) at
+// the grasp, continued (2) by each move, ended (3) at the release. A step that
+// changed nothing is dropped by the stack.
 //
 // If a tool operation throws, the manipulation is abandoned (the
 // manipulator lets go, the step is closed) and the exception goes on to the
@@ -92,11 +96,13 @@ private:
     void release(const PiEventContext& context);
     void abandon();
     void remember(const PiEventContext& context);
+    const LiString& undoName() const;
 
     Manipulators _manipulators;
     LiString _undoString;
     MfManipulator* _grasped = nullptr;
     MfManipulator* _feedback = nullptr;
     PiViewer* _viewer = nullptr;         // of the manipulation under way
+    PiCommandStack* _stack = nullptr;    // where its undo step is open
     std::unique_ptr<EvEvent> _lastEvent; // its last device event
 };

@@ -1,7 +1,17 @@
 #include <gfx/mfTool.h>
 
+#include <optional>
+
+#include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piEventContext.h>
 #include <pluginAPI/piViewer.h>
+
+namespace {
+
+// A step that has no name of its own is named after the tool's kind of work.
+const LiString fallbackUndoName = "Viewer Tool";
+
+} // namespace
 
 MfTool::MfTool() = default;
 
@@ -51,9 +61,14 @@ void MfTool::grasp(const PiEventContext& context, MfManipulator& manipulator) {
         _feedback = nullptr;
     }
     _viewer = &context.getViewer();
+    _stack = _viewer->getCommandStack();
     remember(context);
     _grasped = &manipulator;
     try {
+        std::optional<PiUndoGuard> step;
+        if (_stack) {
+            step.emplace(*_stack, undoName(), PiExecParam(PiExecParam::Begin));
+        }
         prepareManipulation(context);
         manipulator.beginManipulation(context);
         initiateManipulation(context);
@@ -68,6 +83,10 @@ void MfTool::grasp(const PiEventContext& context, MfManipulator& manipulator) {
 void MfTool::monitor(const PiEventContext& context) {
     remember(context);
     try {
+        std::optional<PiUndoGuard> step;
+        if (_stack) {
+            step.emplace(*_stack, undoName(), PiExecParam(PiExecParam::Continue));
+        }
         _grasped->continueManipulation(context);
         monitorManipulation(context);
     } catch (...) {
@@ -80,6 +99,10 @@ void MfTool::monitor(const PiEventContext& context) {
 void MfTool::release(const PiEventContext& context) {
     MfManipulator* manipulator = _grasped;
     try {
+        std::optional<PiUndoGuard> step;
+        if (_stack) {
+            step.emplace(*_stack, undoName(), PiExecParam(PiExecParam::End));
+        }
         finalizeManipulation(context);
     } catch (...) {
         abandon();
@@ -87,6 +110,7 @@ void MfTool::release(const PiEventContext& context) {
     }
     manipulator->endManipulation(context);
     _grasped = nullptr;
+    _stack = nullptr;
     _lastEvent.reset();
     context.getViewer().redraw();
 }
@@ -95,8 +119,17 @@ void MfTool::abandon() {
     if (_grasped) {
         _grasped->abortManipulation();
     }
+    if (_stack) {
+        // Ends the step with what was done.
+        const PiUndoGuard end(*_stack, LiString(), PiExecParam(PiExecParam::End));
+    }
     _grasped = nullptr;
+    _stack = nullptr;
     _lastEvent.reset();
+}
+
+const LiString& MfTool::undoName() const {
+    return _undoString.empty() ? fallbackUndoName : _undoString;
 }
 
 void MfTool::remember(const PiEventContext& context) {

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <gfx/mfPiImgPickManip.h>
+
+// Picks the pixel under the pointer at each event of a click or a drag (its
+// grasp predicate: a left press): the press, each move and a release
+// elsewhere. Points off the image pick nothing.
+class MfPiImgPickListManip : public MfPiImgPickManip {
+public:
+    explicit MfPiImgPickListManip(PiImgPick& imgPick);
+
+    void beginManipulation(const PiEventContext& context) override;
+    void continueManipulation(const PiEventContext& context) override;
+    void collect(List<CoRgbaColorTyped<float>>& colours) const override;
+
+    int getPickCount() const { return static_cast<int>(_picked.size()); }
+
+private:
+    void pick(const PiEventContext& context);
+
+    List<CoRgbaColorTyped<float>> _picked;
+};

@@ -1,0 +1,295 @@
+#include "gfxScene.h"
+
+#include <gfx/mfEventPredicates.h>
+#include <gfx/mfManipObject.h>
+#include <gfx/mfRangeManipulator.h>
+#include <gfx/mfToolset.h>
+#include <gfx/wsCursorRegistry.h>
+#include <pluginAPI/piCommandStack.h>
+#include <pluginAPI/piInputValue.h>
+
+#include <base/exBase.h>
+#include <base/exReporter.h>
+
+#include <stdexcept>
+
+namespace {
+
+// A slider tool: one bar of 200 window pixels (scaling behaviour 1) placed at
+// world (4, 3), mapping x in [-100, 100] onto the amount's [0, 1]. It logs
+// the protocol and can be told to throw in one of its steps.
+class SliderTool : public MfTool {
+public:
+    SliderTool(const RCShdPtr<PiInput>& input, const RCShdPtr<const PiTimePath>& timePath)
+        : bar(new MfRangeManipulator(GeRectangle<float>(-100, 100, -5, 5), "Amount"))
+        , value(PiInputValue<double>::createTyped(input, timePath)) {
+        bar->setScalingBehaviour(1);
+        bar->setBaseTransform(GeAffineMatrix3<float>::translation(4.0f, 3.0f));
+        bar->setValue(toBar(value->getValue()));
+        addManipulator(bar);
+        setUndoString("Set Amount");
+    }
+
+    static float toBar(double v) { return static_cast<float>(v * 200.0 - 100.0); }
+
+    void prepareManipulation(const PiEventContext&) override { log.push_back("prepare"); }
+    void initiateManipulation(const PiEventContext&) override {
+        log.push_back(bar->isManipulating() ? "initiate grasped" : "initiate");
+        maybeThrow("initiate");
+    }
+    void monitorManipulation(const PiEventContext&) override {
+        log.push_back("monitor");
+        value->setValue((bar->getValue() + 100.0) / 200.0);
+        maybeThrow("monitor");
+    }
+    void finalizeManipulation(const PiEventContext&) override {
+        log.push_back("finalize");
+        maybeThrow("finalize");
+    }
+
+    void maybeThrow(const std::string& step) {
+        if (throwIn == step) {
+            throw std::runtime_error("slider broke in " + step);
+        }
+    }
+
+    RCShdPtr<MfRangeManipulator> bar;
+    RCShdPtr<PiInputValue<double>> value;
+    std::vector<std::string> log;
+    std::string throwIn;
+};
+
+class ToolScene : public GfxScene {
+protected:
+    void SetUp() override {
+        GfxScene::SetUp();
+        ExReporter::getInstance().clear();
+        timePath = RCShdPtr<const PiTimePath>(new PiTimePath(&viewer.time, viewer.path));
+        tool = rcMake<SliderTool>(amount, timePath);
+        toolset = rcMake<MfToolset>(viewer);
+        toolset->appendTool("Slider", tool);
+        viewer.handler = rcMake<MfCurrentToolEventHandler>(toolset);
+    }
+    void TearDown() override { ExReporter::getInstance().clear(); }
+
+    // Window point of bar position x (the bar's origin is at world (4, 3):
+    // window (90, 220)).
+    GePoint2<float> onBar(float x) const { return {90.0f + x, 220.0f}; }
+    double amountValue() const { return amount->getTypedValue<double>(0.0); }
+
+    RCShdPtr<const PiTimePath> timePath;
+    RCShdPtr<SliderTool> tool;
+    RCShdPtr<MfToolset> toolset;
+};
+
+TEST_F(ToolScene, ADragIsOneNamedStepAndUndoRestoresTheValue) {
+    auto p = press(onBar(0));
+    EXPECT_TRUE(viewer.deliver(p));
+    EXPECT_TRUE(p.isProcessed());
+    EXPECT_TRUE(tool->isManipulating());
+    for (float x = 0; x <= 60; x += 6) {
+        auto m = move(onBar(x));
+        EXPECT_TRUE(viewer.deliver(m));
+    }
+    auto r = release(onBar(60));
+    EXPECT_TRUE(viewer.deliver(r));
+    EXPECT_FALSE(tool->isManipulating());
+
+    EXPECT_DOUBLE_EQ(amountValue(), 0.8);
+    ASSERT_EQ(stack().getStepCount(), 1);
+    EXPECT_EQ(stack().getStepNames()[0], "Set Amount");
+    EXPECT_EQ(stack().getRecordCount(0), 1);
+    EXPECT_FALSE(stack().isStepOpen());
+    ASSERT_TRUE(stack().undo());
+    EXPECT_DOUBLE_EQ(amountValue(), 0.5);
+}
+
+TEST_F(ToolScene, TheProtocolRunsInOrderAndAReleaseWhereTheLastMoveWasIsNotMonitoredTwice) {
+    auto p = press(onBar(10));
+    viewer.deliver(p);
+    auto m = move(onBar(20));
+    viewer.deliver(m);
+    auto r = release(onBar(20));
+    viewer.deliver(r);
+    EXPECT_EQ(tool->log,
+              (std::vector<std::string>{"prepare", "initiate grasped", "monitor", "finalize"}));
+
+    tool->log.clear();
+    auto p2 = press(onBar(10));
+    viewer.deliver(p2);
+    auto r2 = release(onBar(30));
+    viewer.deliver(r2);
+    EXPECT_EQ(tool->log,
+              (std::vector<std::string>{"prepare", "initiate grasped", "monitor", "finalize"}));
+    EXPECT_FLOAT_EQ(tool->bar->getValue(), 30.0f);
+}
+
+TEST_F(ToolScene, AClickWithoutMovingChangesNothingAndLeavesNoStep) {
+    const float before = tool->bar->getValue();
+    auto p = press(onBar(-70));
+    viewer.deliver(p);
+    auto r = release(onBar(-70));
+    viewer.deliver(r);
+    EXPECT_EQ(tool->bar->getValue(), before);
+    EXPECT_EQ(stack().getStepCount(), 0);
+    EXPECT_FALSE(stack().isStepOpen());
+}
+
+TEST_F(ToolScene, ARangeManipulatorDraggedPastItsEndsStopsAtThem) {
+    auto p = press(onBar(0));
+    viewer.deliver(p);
+    auto far = move(onBar(500));
+    viewer.deliver(far);
+    EXPECT_FLOAT_EQ(tool->bar->getValue(), 100.0f);
+    EXPECT_DOUBLE_EQ(amountValue(), 1.0);
+    // Off the bar vertically as well: only x counts.
+    auto below = move({90.0f - 800.0f, 400.0f});
+    viewer.deliver(below);
+    EXPECT_FLOAT_EQ(tool->bar->getValue(), -100.0f);
+    EXPECT_DOUBLE_EQ(amountValue(), 0.0);
+    auto r = release({90.0f - 800.0f, 400.0f});
+    viewer.deliver(r);
+    EXPECT_EQ(stack().getStepCount(), 1);
+}
+
+TEST_F(ToolScene, PressesOffTheBarOrWithoutItsPredicatesDoNotGrasp) {
+    auto miss = press(onBar(150));
+    EXPECT_FALSE(viewer.deliver(miss));
+    // Over the bar, an event that does not grasp still gives feedback.
+    auto rightButton = press(onBar(0), 0, EvButton::Right);
+    EXPECT_TRUE(viewer.deliver(rightButton));
+    EXPECT_FALSE(tool->isManipulating());
+    EXPECT_EQ(tool->getFeedbackManipulator(), tool->bar.get());
+
+    tool->bar->addGraspEventPredicate(MfEventPredicates::isKeyModifierOn(4));
+    auto plain = press(onBar(0));
+    viewer.deliver(plain);
+    EXPECT_FALSE(tool->isManipulating());
+    auto withCtrl = press(onBar(0), EvKeyboardState::CtrlMask);
+    EXPECT_TRUE(viewer.deliver(withCtrl));
+    EXPECT_TRUE(tool->isManipulating());
+    EXPECT_EQ(tool->getFeedbackManipulator(), nullptr);
+}
+
+TEST_F(ToolScene, TheDisplayListFollowsTheDrag) {
+    auto handleOf = [&](const WsRecordingPainter& painter) {
+        // The handle is the filled rectangle narrower than the bar.
+        for (const auto& item : painter.getItems(WsRecordingPainter::Item::FilledRect)) {
+            if (item.x1 - item.x0 < 20.0f) {
+                return 0.5f * (item.x0 + item.x1);
+            }
+        }
+        return -1.0f;
+    };
+    EXPECT_FLOAT_EQ(handleOf(viewer.paint()), 90.0f);
+    ASSERT_NE(viewer.painter.findText("Amount"), nullptr);
+
+    auto p = press(onBar(0));
+    viewer.deliver(p);
+    auto m = move(onBar(40));
+    viewer.deliver(m);
+    EXPECT_FLOAT_EQ(handleOf(viewer.paint()), 130.0f);
+    auto r = release(onBar(40));
+    viewer.deliver(r);
+    stack().undo();
+    // The tool does not listen to its input: it keeps the bar where it was
+    // dragged until told otherwise.
+    EXPECT_FLOAT_EQ(handleOf(viewer.paint()), 130.0f);
+}
+
+TEST_F(ToolScene, AThrowingToolIsAbandonedAndLeavesNoOpenStep) {
+    tool->throwIn = "monitor";
+    auto p = press(onBar(0));
+    viewer.deliver(p);
+    auto m = move(onBar(50));
+    const bool contained = exContain("viewer event", [&] { viewer.deliver(m); });
+    EXPECT_FALSE(contained);
+    EXPECT_FALSE(tool->isManipulating());
+    EXPECT_FALSE(tool->bar->isManipulating());
+    EXPECT_FALSE(stack().isStepOpen());
+    ASSERT_EQ(ExReporter::getInstance().getReportCount(), 1u);
+    EXPECT_NE(ExReporter::getInstance().getReports()[0].message.find("slider broke in monitor"),
+              std::string::npos);
+    // What was written before the throw is one step, and undoes.
+    EXPECT_DOUBLE_EQ(amountValue(), 0.75);
+    EXPECT_EQ(stack().getStepNames(), std::vector<LiString>{"Set Amount"});
+
+    // The tool works again afterwards.
+    tool->throwIn.clear();
+    auto p2 = press(onBar(0));
+    viewer.deliver(p2);
+    auto m2 = move(onBar(-100));
+    viewer.deliver(m2);
+    auto r2 = release(onBar(-100));
+    viewer.deliver(r2);
+    EXPECT_DOUBLE_EQ(amountValue(), 0.0);
+    EXPECT_EQ(stack().getStepCount(), 2);
+    EXPECT_FALSE(stack().isStepOpen());
+}
+
+TEST_F(ToolScene, AFailingGraspLeavesTheToolIdle) {
+    tool->throwIn = "initiate";
+    auto p = press(onBar(0));
+    EXPECT_THROW(viewer.deliver(p), std::runtime_error);
+    EXPECT_FALSE(tool->isManipulating());
+    EXPECT_FALSE(stack().isStepOpen());
+    EXPECT_EQ(stack().getStepCount(), 0);
+}
+
+TEST_F(ToolScene, LosingTheFocusEndsTheDragAsARelease) {
+    auto p = press(onBar(0));
+    viewer.deliver(p);
+    auto m = move(onBar(20));
+    viewer.deliver(m);
+    EvFocusOutEvent focus;
+    EXPECT_TRUE(viewer.deliver(focus));
+    EXPECT_FALSE(tool->isManipulating());
+    EXPECT_EQ(tool->log.back(), "finalize");
+    EXPECT_FALSE(stack().isStepOpen());
+    EXPECT_EQ(stack().getStepCount(), 1);
+}
+
+TEST_F(ToolScene, FeedbackHighlightsAndEndsWithTheEventMarkedProcessed) {
+    auto over = move(onBar(0), 0, EvButton::None);
+    EXPECT_TRUE(viewer.deliver(over));
+    EXPECT_EQ(tool->getFeedbackManipulator(), tool->bar.get());
+    EXPECT_TRUE(tool->bar->isHighlighted());
+
+    auto away = move(onBar(300), 0, EvButton::None);
+    EXPECT_TRUE(viewer.deliver(away));
+    EXPECT_TRUE(away.isProcessed());
+    EXPECT_EQ(tool->getFeedbackManipulator(), nullptr);
+    EXPECT_FALSE(tool->bar->isHighlighted());
+
+    auto stillAway = move(onBar(310), 0, EvButton::None);
+    EXPECT_FALSE(viewer.deliver(stillAway));
+}
+
+TEST_F(ToolScene, TheActiveCursorIsTheManipulatorsWhileItGivesFeedback) {
+    const auto move_ = WsCursorRegistry::getInstance().getCursor(WsCursorRegistry::SizeHor);
+    tool->bar->setCursor(move_);
+    EXPECT_FALSE(MfEventHandlerUtil::getCursor(*viewer.handler));
+    auto over = move(onBar(0), 0, EvButton::None);
+    viewer.deliver(over);
+    EXPECT_EQ(MfEventHandlerUtil::getCursor(*viewer.handler), move_);
+    auto away = move(onBar(300), 0, EvButton::None);
+    viewer.deliver(away);
+    EXPECT_FALSE(MfEventHandlerUtil::getCursor(*viewer.handler));
+}
+
+TEST_F(ToolScene, ScalingBehaviourOneKeepsTheBarsSizeWhenZooming) {
+    viewer.view.setZoom(2.5f);
+    const GePoint2<float> origin = at(4.0f, 3.0f);
+    viewer.paint();
+    const auto bars = viewer.painter.getItems(WsRecordingPainter::Item::Rect);
+    ASSERT_FALSE(bars.empty());
+    EXPECT_FLOAT_EQ(bars[0].x1 - bars[0].x0, 200.0f);
+    EXPECT_FLOAT_EQ(0.5f * (bars[0].x0 + bars[0].x1), origin.x);
+
+    tool->bar->setScalingBehaviour(0);
+    viewer.paint();
+    const auto world = viewer.painter.getItems(WsRecordingPainter::Item::Rect);
+    EXPECT_FLOAT_EQ(world[0].x1 - world[0].x0, 500.0f);
+}
+
+} // namespace
