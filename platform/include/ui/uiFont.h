@@ -1,0 +1,19 @@
+#pragma once
+
+#include <gfx/wsFont.h>
+
+#include <QFont>
+
+// A host font on a window-system font.
+class UiFont : public WsFont {
+public:
+    explicit UiFont(const QFont& font)
+        : _font(font) {}
+
+    int getTextWidth(const LiString& text) const override;
+    int getHeight() const override;
+    const QFont& getQFont() const { return _font; }
+
+private:
+    QFont _font;
+};
