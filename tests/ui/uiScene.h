@@ -50,10 +50,9 @@ protected:
 
 class UiScene : public ::testing::Test {
 protected:
-    void SetUp() override {
-        UiApplication::getInstance();
-        ExReporter::getInstance().clear();
-    }
+    // The application exists before any widget of a fixture is made.
+    UiScene() { UiApplication::getInstance(); }
+    void SetUp() override { ExReporter::getInstance().clear(); }
     void TearDown() override { ExReporter::getInstance().clear(); }
 
     static bool reported(const std::string& text) {
