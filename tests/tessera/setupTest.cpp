@@ -173,6 +173,58 @@ TEST_F(SetupScene, ASingleKeyerNodeRoundTripsOntoAnotherNode) {
     EXPECT_NE(error.find("single keyer node"), std::string::npos) << error;
 }
 
+TEST_F(SetupScene, ANodeEditedInStepsUndoneRedoneSavedAndReloadedIsExact) {
+    auto node = group->getKeyerNode(1);
+    auto mg = rcCast<TsMgInterface>(node->getController());
+    PiCommandStack& stack = graph->getCommandStack();
+    auto states = [&node] {
+        std::vector<PiInputState> out;
+        for (int i = 0; i < node->getInputCount(); ++i) {
+            out.push_back(node->getInput(i)->getState());
+        }
+        return out;
+    };
+    const auto fresh = states();
+    const int before = stack.getStepCount();
+    {
+        PiUndoGuard step(stack, "Pick Key Colour");
+        mg->getKeyColorInput(TsTypes::KeyColor1)
+            ->setKey(1.0, PiValue(CoRgbColorTyped<float>(0.2f, 0.8f, 0.1f)));
+        mg->getKeyColorInput(TsTypes::KeyColor2)
+            ->setValue(1.0, PiValue(CoRgbColorTyped<float>(0.2f, 0.8f, 0.1f)));
+    }
+    {
+        PiUndoGuard step(stack, "Sample Patch");
+        const int patch = mg->createPatch();
+        for (int r = 0; r < 3; ++r) {
+            mg->getPatchBoxInput(patch, r, 3)->setValue(1.0, PiValue(-0.5 * r));
+        }
+        mg->getPatchModeInput(patch)->setValue(1.0, PiValue(1));
+    }
+    { PiUndoGuard begin(stack, "Set Matte Parameter", PiExecParam(1)); }
+    for (int i = 0; i < 100; ++i) {
+        PiUndoGuard drag(stack, "", PiExecParam(2));
+        mg->getMatteParamInput(TsMgTypes::HuePlus)->setKey(1.0, PiValue(i / 100.0));
+    }
+    { PiUndoGuard end(stack, "", PiExecParam(3)); }
+    const auto edited = states();
+    ASSERT_EQ(stack.getStepCount(), before + 3);
+    for (int i = 0; i < 3; ++i) {
+        stack.undo();
+    }
+    EXPECT_TRUE(states() == fresh);
+    for (int i = 0; i < 3; ++i) {
+        stack.redo();
+    }
+    EXPECT_TRUE(states() == edited);
+
+    ASSERT_TRUE(TsSetup::save(*node, path("node.setup")));
+    mg->resetKeyer();
+    ASSERT_FALSE(states() == edited);
+    ASSERT_TRUE(TsSetup::load(*node, path("node.setup")));
+    EXPECT_TRUE(states() == edited);
+}
+
 TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
     writeFile("shot.setup", "old contents");
     ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
