@@ -174,19 +174,25 @@ TEST_F(UndoScene, UndoAndRedoFireTheCallbacksOfAnEdit) {
     EXPECT_EQ(log, (std::vector<std::string>{"gain 2.000000", "event gain"}));
 }
 
-TEST_F(UndoScene, AWriteDuringUndoIsRefusedAndNotRecorded) {
-    gain->setValue(0, PiValue(2.0));
+TEST_F(UndoScene, AWriteDuringUndoIsRefusedAndTheStepIsStillUndoneWhole) {
+    {
+        PiUndoGuard step(stack(), "Both");
+        gain->setValue(0, PiValue(2.0));
+        offset->setValue(0, PiValue(3.0));
+    }
     struct Writer : CbHandler<CbEmptyType> {
         PiInput* target = nullptr;
-        void callback(CbEmptyType&) override { target->setValue(0, PiValue(9.0)); }
+        void callback(CbEmptyType&) override { target->setValue(0, PiValue(9)); }
     } writer;
-    writer.target = offset.get();
-    gain->addValueChangedCb(&writer);
+    writer.target = mode.get();
+    offset->addValueChangedCb(&writer); // undone first: the last input first
     EXPECT_THROW(stack().undo(), ExAssertionFailed);
     EXPECT_FALSE(stack().isReplaying());
+    EXPECT_EQ(mode->getTypedValue<int>(0), 0);
     EXPECT_EQ(offset->getTypedValue<double>(0), 0.0);
     EXPECT_EQ(gain->getTypedValue<double>(0), 1.0);
     EXPECT_EQ(stack().getRedoCount(), 1);
+    EXPECT_EQ(stack().getStepCount(), 1);
 }
 
 TEST_F(UndoScene, AContainedExceptionClosesTheOpenStep) {

@@ -45,8 +45,9 @@ private:
 // before (the last input first), redo() to its state after (the first first);
 // both fire the inputs' value-changed handlers and ValueChanged events as an
 // edit does. An input write while a step is being replayed is a programming
-// error (an assertion failure) and changes nothing. Undo and redo close a
-// step that is still open first.
+// error (an assertion failure) and changes nothing; the replay still puts
+// every input of the step back before the failure is passed on. Undo and redo
+// close a step that is still open first.
 //
 // Recovery. The host contains exceptions from plugin code (exContain) and then
 // runs ExReporter's recovery hooks; the command stacks register one that
@@ -129,6 +130,7 @@ private:
     void endGuard(std::uint64_t epoch);
     void open(const LiString& name);
     void close();
+    void replay(const Step& step, bool forward);
     void notify() { _changed.call(); }
     Record* findRecord(const PiInput& input);
 

@@ -53,18 +53,7 @@ bool PiCommandStack::undo() {
         return false;
     }
     --_current;
-    {
-        const Step& step = _steps[_current];
-        _replaying = true;
-        struct Reset {
-            bool& flag;
-            ~Reset() { flag = false; }
-        } reset{_replaying};
-        for (std::size_t i = step.records.size(); i-- > 0;) {
-            step.records[i].input->restoreState(step.records[i].before);
-        }
-    }
-    notify();
+    replay(_steps[_current], false);
     return true;
 }
 
@@ -73,20 +62,39 @@ bool PiCommandStack::redo() {
     if (_current >= _steps.size()) {
         return false;
     }
-    {
-        const Step& step = _steps[_current];
-        ++_current;
-        _replaying = true;
-        struct Reset {
-            bool& flag;
-            ~Reset() { flag = false; }
-        } reset{_replaying};
-        for (const Record& record : step.records) {
-            record.input->restoreState(record.after);
+    ++_current;
+    replay(_steps[_current - 1], true);
+    return true;
+}
+
+void PiCommandStack::replay(const Step& step, bool forward) {
+    // Every input of the step is put back even when a handler throws: the
+    // first exception is passed on once the step is whole again.
+    std::exception_ptr failure;
+    auto restore = [&failure](const Record& r, const PiInputState& state) {
+        try {
+            r.input->restoreState(state);
+        } catch (...) {
+            if (!failure) {
+                failure = std::current_exception();
+            }
+        }
+    };
+    _replaying = true;
+    if (forward) {
+        for (const Record& r : step.records) {
+            restore(r, r.after);
+        }
+    } else {
+        for (std::size_t i = step.records.size(); i-- > 0;) {
+            restore(step.records[i], step.records[i].before);
         }
     }
+    _replaying = false;
     notify();
-    return true;
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
 }
 
 std::vector<LiString> PiCommandStack::getStepNames() const {
