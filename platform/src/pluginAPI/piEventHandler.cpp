@@ -32,6 +32,9 @@ void PiCurrentToolEventHandler::setCurrentTool(const std::string& name) {
         return;
     }
     if (_viewer) {
+        // The viewer may replace this handler by another stage's: it stays
+        // alive until the call returns.
+        const RCShdPtr<PiCurrentToolEventHandler> self(rcCount() > 0 ? this : nullptr);
         _viewer->offerTool(name);
     }
 }

@@ -2,6 +2,7 @@
 
 #include <pluginAPI/piImageModifier.h>
 #include <pluginAPI/piToolInterface.h>
+#include <pluginAPI/piViewerStageInterface.h>
 #include <tessera/tsDgInterface.h>
 #include <tessera/tsKeyerNode.h>
 #include <tessera/tsMgInterface.h>
@@ -13,7 +14,8 @@ class TsKeyerController : public TsMgInterface,
                           public TsDgInterface,
                           public TsSpillBlendInterface,
                           public PiToolInterface,
-                          public PiImageModifier {
+                          public PiImageModifier,
+                          public PiViewerStageInterface {
 public:
     TsKeyerController() = default;
 
@@ -60,6 +62,15 @@ public:
 
     // PiImageModifier: the plate.
     RCShdPtr<PiInput> getInput() const override { return node().getImageInput(); }
+
+    // PiViewerStageInterface: "matte" (the default), "degrain" and "spill",
+    // whose handlers the stage interfaces' registered factories make. A tool
+    // that several stages hold (the key-colour picks) belongs to the first.
+    std::vector<std::string> getViewerStages() const override;
+    RCStrongPtr<PiEventHandler> createViewerEventHandler(const std::string& stage, PiViewer& viewer,
+                                                         const RCShdPtr<PiNode>& node,
+                                                         const RCShdPtr<PiPath>& path) override;
+    std::string getViewerStageOfTool(const std::string& toolName) const override;
 
 protected:
     void inputChanged(PiInput& input) override;
