@@ -1,0 +1,153 @@
+#pragma once
+
+#include <base/rcShdPtr.h>
+#include <base/vwView.h>
+#include <gfx/wsRecordingPainter.h>
+#include <pluginAPI/piImage.h>
+#include <pluginAPI/piViewer.h>
+#include <pluginAPI/tmTimeClient.h>
+#include <ui/uiWidget.h>
+#include <ui/vpDrawArea.h>
+
+#include <QImage>
+#include <QWidget>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+// The host's viewer: a widget that shows a node's image and hands the
+// pointer and the keyboard to its current event handler. It is at once the
+// PiViewer that plug-ins receive, a UiWidget (whose handler the viewer's
+// hotkeys are registered on) and the VpDrawArea that the main window's
+// widget lookup answers.
+//
+// Stages. A node whose controller offers viewer stages
+// (PiViewerStageInterface) is shown in one stage at a time, the first at
+// first; the viewer installs the stage's handler. Asked for a tool that its
+// handler does not hold (PiViewer::offerTool), the viewer switches to the
+// stage that owns it and makes it current there.
+//
+// Input. Pointer presses, moves and releases, key presses and releases, and
+// the loss of the focus go to the handler as Ev events, in window
+// coordinates; hotkeys arrive through the widget's handler and go to the
+// handler too. What the handler leaves unused drives the view: the middle
+// button pans (it is never offered to the handler), the wheel zooms about the
+// pointer, Home fits the image.
+//
+// Containment. Every call into the handler (events, drawing, the creation
+// of a stage's handler) is contained: an exception is reported, the undo step
+// it left open is closed, and the viewer carries on. The application's
+// requests run after each event.
+//
+// Drawing. The viewer paints the image (by default the node's plate: the
+// image input of its PiImageModifier; setImageSource shows something else,
+// such as the keyer's output), then the handler's two drawing passes,
+// recorded into a display list and painted over the image.
+//
+// The viewer is the current viewer of PiEventHandlingInterface when it is the
+// first one made and whenever it takes the focus.
+class UiViewer : public QWidget, public PiViewer, public UiWidget, public VpDrawArea {
+public:
+    // The image shown at a frame; an empty pointer shows nothing.
+    using ImageSource = std::function<PiImagePtr(double frame)>;
+
+    explicit UiViewer(QWidget* parent = nullptr, const LiString& name = "viewer");
+    ~UiViewer() override;
+
+    // --- what is shown
+    // Shows the node (an empty pointer: nothing) in its first stage.
+    void setNode(const RCShdPtr<PiNode>& node);
+    std::vector<std::string> getStages() const;
+    const std::string& getStage() const { return _stage; }
+    // Installs the stage's handler; false (reported) for a stage the node
+    // does not offer or whose handler could not be made, which leaves the
+    // viewer as it was.
+    bool setStage(const std::string& stage);
+    // Installs a handler of the caller's (nodes without stages, tests); the
+    // stage becomes "".
+    void setEventHandler(const RCShdPtr<PiEventHandler>& handler);
+    void setImageSource(ImageSource source);
+    // The image shown now.
+    PiImagePtr getImage() const;
+
+    // --- time
+    TmTimeClient& getTime() { return _time; }
+    void setFrame(double frame);
+
+    // --- view
+    VwView& getMutableView() { return _view; }
+    // Fits the image into the viewer, with a margin of 16 pixels.
+    void fitImage();
+
+    // --- drawing
+    // The handler's drawing as the viewer would paint it now.
+    const WsRecordingPainter& getDisplayList();
+    // How many repaints were asked for (redraw and the viewer's own).
+    int getRedrawCount() const { return _redraws; }
+
+    // --- PiViewer
+    const VwView& getView() const override { return _view; }
+    void redraw() override;
+    const TmTimeClient* getTimeClient() const override { return &_time; }
+    RCShdPtr<PiNode> getNode() const override { return _node; }
+    RCShdPtr<PiPath> getPath() const override { return _path; }
+    PiCommandStack* getCommandStack() const override;
+    RCShdPtr<PiEventHandler> getCurrentEventHandler() const override { return _handler; }
+    GePoint2<float> mapFromGlobal(const GePoint2<float>& global) const override;
+    using QWidget::mapFromGlobal;
+    bool offerTool(const std::string& toolName) override;
+
+    // --- VpDrawArea
+    PiViewer& getViewer() override { return *this; }
+
+    // --- UiWidget
+    GePoint2<float> getPointerPosition() const override { return _pointer; }
+
+    // Delivers an event to the handler as the widget does (contained, the
+    // requests run after it); answers whether the handler used it.
+    bool deliver(EvEvent& event);
+
+protected:
+    void handleEvent(EvEvent& event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    // Installs the handler; the current handler's listeners hear of it when
+    // it changed or `announce` is set.
+    void install(const RCShdPtr<PiEventHandler>& handler, const std::string& stage, bool announce);
+    // Lets the handler go, telling nobody (a new one follows).
+    void releaseHandler();
+    bool pointerEvent(QMouseEvent* event);
+    void record();
+    void updateCursor();
+    const QImage& displayImage();
+
+    RCShdPtr<PiNode> _node;
+    RCShdPtr<PiPath> _path;
+    RCShdPtr<PiEventHandler> _handler;
+    std::string _stage;
+    TmTimeClient _time;
+    VwView _view;
+    ImageSource _source;
+    WsRecordingPainter _displayList;
+    GePoint2<float> _pointer;
+    bool _panning = false;
+    QPointF _panFrom;
+    bool _fitted = false;
+    bool _offering = false;
+    int _redraws = 0;
+    // The image last converted for display, and what it was converted from.
+    PiImagePtr _shown;
+    QImage _shownImage;
+};

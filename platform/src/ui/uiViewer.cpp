@@ -1,0 +1,433 @@
+#include <ui/uiApplication.h>
+#include <ui/uiCursorUtil.h>
+#include <ui/uiQtEvents.h>
+#include <ui/uiViewer.h>
+
+#include <base/exReporter.h>
+#include <base/vwUtils.h>
+#include <gfx/mfEventHandlerUtil.h>
+#include <gfx/wsCursorRegistry.h>
+#include <pluginAPI/piCurrentToolEventHandler.h>
+#include <pluginAPI/piEventContext.h>
+#include <pluginAPI/piEventHandlingInterface.h>
+#include <pluginAPI/piImageModifier.h>
+#include <pluginAPI/piNode.h>
+#include <pluginAPI/piPath.h>
+#include <pluginAPI/piViewerStageInterface.h>
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+const GePoint2<float> toPoint(const QPointF& p) {
+    return {static_cast<float>(p.x()), static_cast<float>(p.y())};
+}
+
+QColor toQColor(const CoRgbaColorTyped<float>& c) {
+    return QColor::fromRgbF(std::clamp(c.r, 0.0f, 1.0f), std::clamp(c.g, 0.0f, 1.0f),
+                            std::clamp(c.b, 0.0f, 1.0f), std::clamp(c.a, 0.0f, 1.0f));
+}
+
+QRectF toQRect(const WsRecordingPainter::Item& item) {
+    return QRectF(QPointF(item.x0, item.y0), QPointF(item.x1, item.y1));
+}
+
+// Scene-linear to an 8-bit display value (the sRGB curve), clamped.
+unsigned char toDisplay(float v) {
+    if (!(v > 0.0f)) {
+        return 0;
+    }
+    if (v >= 1.0f) {
+        return 255;
+    }
+    const float s = v <= 0.0031308f ? 12.92f * v : 1.055f * std::pow(v, 1.0f / 2.4f) - 0.055f;
+    return static_cast<unsigned char>(std::lround(s * 255.0f));
+}
+
+PiViewerStageInterface* stagesOf(const RCShdPtr<PiNode>& node) {
+    return node ? dynamic_cast<PiViewerStageInterface*>(node->getController().get()) : nullptr;
+}
+
+} // namespace
+
+UiViewer::UiViewer(QWidget* parent, const LiString& name)
+    : QWidget(parent)
+    , UiWidget(this, name) {
+    setFocusPolicy(Qt::StrongFocus);
+    setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMinimumSize(64, 64);
+    _view.setViewportSize(width(), height());
+    if (!PiEventHandlingInterface::getInstance().getCurrentViewer()) {
+        PiEventHandlingInterface::getInstance().setCurrentViewer(this);
+    }
+}
+
+UiViewer::~UiViewer() {
+    // The handler goes while the viewer is whole: it unregisters its hotkeys
+    // from this widget's handler.
+    RCShdPtr<PiEventHandler> handler;
+    handler.swap(_handler);
+    handler.reset();
+    PiEventHandlingInterface::getInstance().viewerDestroyed(*this);
+}
+
+void UiViewer::setNode(const RCShdPtr<PiNode>& node) {
+    releaseHandler();
+    _node = node;
+    _path = node ? rcMake<PiPath>(node) : RCShdPtr<PiPath>();
+    _shown.reset();
+    _fitted = false;
+    if (PiViewerStageInterface* stages = stagesOf(node)) {
+        const std::vector<std::string> names = stages->getViewerStages();
+        if (!names.empty()) {
+            setStage(names.front());
+        }
+    }
+    if (!_handler) {
+        install(RCShdPtr<PiEventHandler>(), "", true);
+    }
+    fitImage();
+    redraw();
+}
+
+std::vector<std::string> UiViewer::getStages() const {
+    PiViewerStageInterface* stages = stagesOf(_node);
+    return stages ? stages->getViewerStages() : std::vector<std::string>();
+}
+
+bool UiViewer::setStage(const std::string& stage) {
+    PiViewerStageInterface* stages = stagesOf(_node);
+    const std::vector<std::string> names = getStages();
+    if (!stages || std::find(names.begin(), names.end(), stage) == names.end()) {
+        ExReporter::getInstance().report("viewer " + getName(),
+                                         "the node shown has no viewer stage \"" + stage + "\"");
+        return false;
+    }
+    // The old handler goes first: the new one registers the same hotkeys on
+    // this widget, which the old one withdraws when it goes.
+    releaseHandler();
+    RCShdPtr<PiEventHandler> handler;
+    exContain("viewer " + getName() + ": the handler of stage \"" + stage + "\"",
+              [&] { handler = stages->createViewerEventHandler(stage, *this, _node, _path); });
+    if (!handler) {
+        ExReporter::getInstance().report("viewer " + getName(),
+                                         "no handler for stage \"" + stage + "\"");
+        install(RCShdPtr<PiEventHandler>(), "", true);
+        return false;
+    }
+    install(handler, stage, true);
+    return true;
+}
+
+void UiViewer::setEventHandler(const RCShdPtr<PiEventHandler>& handler) {
+    install(handler, "", false);
+}
+
+void UiViewer::releaseHandler() {
+    RCShdPtr<PiEventHandler> old;
+    old.swap(_handler);
+    _stage.clear();
+    exContain("viewer " + getName() + ": releasing its handler", [&] { old.reset(); });
+}
+
+void UiViewer::install(const RCShdPtr<PiEventHandler>& handler, const std::string& stage,
+                       bool announce) {
+    if (handler.get() != _handler.get() || stage != _stage) {
+        RCShdPtr<PiEventHandler> old;
+        old.swap(_handler);
+        _handler = handler;
+        _stage = stage;
+        exContain("viewer " + getName() + ": releasing its handler", [&] { old.reset(); });
+        announce = true;
+    }
+    if (announce) {
+        PiEventHandlingInterface::getInstance().handlerReplaced(*this);
+        updateCursor();
+        redraw();
+    }
+}
+
+void UiViewer::setImageSource(ImageSource source) {
+    _source = std::move(source);
+    _shown.reset();
+    redraw();
+}
+
+PiImagePtr UiViewer::getImage() const {
+    if (_source) {
+        return _source(_time.getTime());
+    }
+    if (!_node) {
+        return PiImagePtr();
+    }
+    auto* modifier = dynamic_cast<PiImageModifier*>(_node->getController().get());
+    const RCShdPtr<PiInput> input = modifier ? modifier->getInput() : RCShdPtr<PiInput>();
+    if (!input || input->getType() != PiValueType::Image) {
+        return PiImagePtr();
+    }
+    return input->getTypedValue<PiImagePtr>(_time.getTime());
+}
+
+void UiViewer::setFrame(double frame) {
+    _time.setTime(frame);
+    redraw();
+}
+
+void UiViewer::fitImage() {
+    const PiImagePtr image = getImage();
+    if (!image || image->isEmpty() || width() <= 0 || height() <= 0) {
+        return;
+    }
+    _view.setViewportSize(width(), height());
+    _view.fit(GeRectangle<float>(0.0f, static_cast<float>(image->getWidth()), 0.0f,
+                                 static_cast<float>(image->getHeight())),
+              16.0f);
+    _fitted = true;
+    redraw();
+}
+
+void UiViewer::redraw() {
+    ++_redraws;
+    update();
+}
+
+PiCommandStack* UiViewer::getCommandStack() const {
+    return _node ? _node->getCommandStack() : nullptr;
+}
+
+GePoint2<float> UiViewer::mapFromGlobal(const GePoint2<float>& global) const {
+    return toPoint(QWidget::mapFromGlobal(QPointF(global.x, global.y)));
+}
+
+bool UiViewer::offerTool(const std::string& toolName) {
+    PiViewerStageInterface* stages = stagesOf(_node);
+    if (!stages || _offering) {
+        return false;
+    }
+    const std::string stage = stages->getViewerStageOfTool(toolName);
+    if (stage.empty() || stage == _stage) {
+        return false;
+    }
+    _offering = true;
+    bool made = false;
+    if (setStage(stage)) {
+        if (auto* current = dynamic_cast<PiCurrentToolEventHandler*>(_handler.get())) {
+            exContain("viewer " + getName() + ": tool \"" + toolName + "\"",
+                      [&] { made = current->performSetCurrentTool(toolName); });
+        }
+    }
+    _offering = false;
+    return made;
+}
+
+bool UiViewer::deliver(EvEvent& event) {
+    // Held for the length of the delivery: a hotkey may replace it.
+    const RCShdPtr<PiEventHandler> handler = _handler;
+    bool used = false;
+    if (handler) {
+        exContain("viewer " + getName(), [&] {
+            const PiEventContext context(*this, event);
+            used = MfEventHandlerUtil::deliver(*handler, context);
+        });
+    }
+    UiApplication::getInstance().processRequests();
+    updateCursor();
+    return used;
+}
+
+void UiViewer::handleEvent(EvEvent& event) {
+    // Hotkeys registered on this widget's handler, for the current handler.
+    deliver(event);
+}
+
+void UiViewer::updateCursor() {
+    RCShdPtr<WsCursor> cursor;
+    if (_handler) {
+        exContain("viewer " + getName() + ": cursor",
+                  [&] { cursor = MfEventHandlerUtil::getCursor(*_handler); });
+    }
+    if (!cursor) {
+        cursor = WsCursorRegistry::getInstance().getCursor(WsCursorRegistry::Default);
+    }
+    setCursor(UiCursorUtil::toQCursor(*cursor));
+}
+
+void UiViewer::record() {
+    _displayList.clear();
+    if (!_handler) {
+        return;
+    }
+    _view.setViewportSize(width(), height());
+    _view.setPainter(&_displayList);
+    exContain("viewer " + getName() + ": drawing", [&] {
+        MfEventHandlerUtil::draw(*_handler, GeRectangle<int>(0, width(), 0, height()), _view);
+    });
+    _view.setPainter(nullptr);
+}
+
+const WsRecordingPainter& UiViewer::getDisplayList() {
+    record();
+    return _displayList;
+}
+
+const QImage& UiViewer::displayImage() {
+    const PiImagePtr image = getImage();
+    if (image.get() == _shown.get()) {
+        return _shownImage;
+    }
+    _shown = image;
+    _shownImage = QImage();
+    if (!image || image->isEmpty()) {
+        return _shownImage;
+    }
+    const int w = image->getWidth();
+    const int h = image->getHeight();
+    _shownImage = QImage(w, h, QImage::Format_RGBA8888);
+    for (int j = 0; j < h; ++j) {
+        // Rows are stored bottom up; the window's go top down.
+        const float* src = image->row(j);
+        uchar* dst = _shownImage.scanLine(h - 1 - j);
+        for (int i = 0; i < w; ++i, src += 4, dst += 4) {
+            dst[0] = toDisplay(src[0]);
+            dst[1] = toDisplay(src[1]);
+            dst[2] = toDisplay(src[2]);
+            dst[3] = static_cast<uchar>(std::lround(std::clamp(src[3], 0.0f, 1.0f) * 255.0f));
+        }
+    }
+    return _shownImage;
+}
+
+void UiViewer::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), QColor(38, 38, 40));
+    const QImage& image = displayImage();
+    if (!image.isNull()) {
+        const GeRectangle<float> r = VwUtils::worldToWindowOrtho(
+            _view, GeRectangle<float>(0.0f, static_cast<float>(image.width()), 0.0f,
+                                      static_cast<float>(image.height())));
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, _view.getZoom() < 1.0f);
+        painter.drawImage(QRectF(r.getXMin(), r.getYMin(), r.getWidth(), r.getHeight()), image);
+    }
+    record();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    for (const WsRecordingPainter::Item& item : _displayList.getItems()) {
+        const QColor colour = toQColor(item.colour);
+        switch (item.kind) {
+        case WsRecordingPainter::Item::Line:
+            painter.setPen(colour);
+            painter.drawLine(QPointF(item.x0, item.y0), QPointF(item.x1, item.y1));
+            break;
+        case WsRecordingPainter::Item::Rect:
+            painter.setPen(colour);
+            painter.setBrush(Qt::NoBrush);
+            painter.drawRect(toQRect(item));
+            break;
+        case WsRecordingPainter::Item::FilledRect:
+            painter.fillRect(toQRect(item), colour);
+            break;
+        case WsRecordingPainter::Item::Text:
+            painter.setPen(colour);
+            painter.drawText(QPointF(item.x0, item.y0), QString::fromStdString(item.text));
+            break;
+        }
+    }
+}
+
+void UiViewer::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    _view.setViewportSize(width(), height());
+    if (!_fitted) {
+        fitImage();
+    }
+}
+
+bool UiViewer::pointerEvent(QMouseEvent* event) {
+    _pointer = toPoint(event->position());
+    std::unique_ptr<EvPointerEvent> ev = UiQtEvents::toPointerEvent(*event, _pointer);
+    if (!ev) {
+        return false;
+    }
+    return deliver(*ev);
+}
+
+void UiViewer::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton) {
+        _panning = true;
+        _panFrom = event->position();
+        return;
+    }
+    pointerEvent(event);
+}
+
+void UiViewer::mouseDoubleClickEvent(QMouseEvent* event) {
+    mousePressEvent(event);
+}
+
+void UiViewer::mouseMoveEvent(QMouseEvent* event) {
+    if (_panning) {
+        const QPointF d = event->position() - _panFrom;
+        _panFrom = event->position();
+        _view.panBy(static_cast<float>(d.x()), static_cast<float>(d.y()));
+        _pointer = toPoint(event->position());
+        redraw();
+        return;
+    }
+    pointerEvent(event);
+}
+
+void UiViewer::mouseReleaseEvent(QMouseEvent* event) {
+    if (_panning && event->button() == Qt::MiddleButton) {
+        _panning = false;
+        return;
+    }
+    pointerEvent(event);
+}
+
+void UiViewer::wheelEvent(QWheelEvent* event) {
+    const double steps = event->angleDelta().y() / 120.0;
+    if (steps == 0.0) {
+        return;
+    }
+    _pointer = toPoint(event->position());
+    _view.zoomAbout(_pointer, static_cast<float>(std::pow(1.25, steps)));
+    _fitted = true;
+    redraw();
+}
+
+void UiViewer::keyPressEvent(QKeyEvent* event) {
+    std::unique_ptr<EvKeyEvent> ev = UiQtEvents::toKeyEvent(*event, _pointer);
+    if (ev && deliver(*ev)) {
+        return;
+    }
+    if (event->key() == Qt::Key_Home) {
+        fitImage();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void UiViewer::keyReleaseEvent(QKeyEvent* event) {
+    std::unique_ptr<EvKeyEvent> ev = UiQtEvents::toKeyEvent(*event, _pointer);
+    if (!ev || !deliver(*ev)) {
+        QWidget::keyReleaseEvent(event);
+    }
+}
+
+void UiViewer::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    PiEventHandlingInterface::getInstance().setCurrentViewer(this);
+}
+
+void UiViewer::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    EvFocusOutEvent ev;
+    deliver(ev);
+}
