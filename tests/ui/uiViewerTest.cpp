@@ -30,7 +30,9 @@ float handleX(const WsRecordingPainter& list) {
 TEST_F(ViewerScene, ADragOfARangeManipulatorWritesTheInputAsOneUndoStep) {
     const RCShdPtr<PiInput> spill = keyer->getSpillInput(0);
     auto tool = rcMake<SliderTool>(spill, timePath(), GePoint2<float>(32.0f, 24.0f));
-    installTools({{"Adjust Spill", tool}});
+    auto handler = installTools({{"log", rcMake<LoggingTool>()}, {"Adjust Spill", tool}});
+    handler->setCurrentTool("Adjust Spill");
+    ASSERT_EQ(handler->getCurrentMfTool(), tool);
     // The plate is fitted: its centre is the viewer's centre.
     const QPointF centre = window(32.0f, 24.0f);
     EXPECT_NEAR(centre.x(), 200.0, 0.5);
@@ -62,6 +64,27 @@ TEST_F(ViewerScene, ADragOfARangeManipulatorWritesTheInputAsOneUndoStep) {
     const QColor handle =
         shot.pixelColor(QPoint(static_cast<int>(before + 90.0f), static_cast<int>(centre.y())));
     EXPECT_GT(handle.lightness(), 180);
+}
+
+TEST_F(ViewerScene, ToolsWriteAtTheViewersFrame) {
+    const RCShdPtr<PiInput> spill = keyer->getSpillInput(0);
+    spill->setKey(0.0, PiValue(0.2));
+    spill->setKey(20.0, PiValue(0.6));
+    stack().clear();
+    viewer->setFrame(10.0);
+    auto tool = rcMake<SliderTool>(spill, timePath(), GePoint2<float>(32.0f, 24.0f));
+    installTools({{"Adjust Spill", tool}});
+    const QPointF centre = window(32.0f, 24.0f);
+    sendMouse(viewer.get(), QEvent::MouseButtonPress, centre);
+    sendMouse(viewer.get(), QEvent::MouseMove, centre + QPointF(60, 0));
+    sendMouse(viewer.get(), QEvent::MouseButtonRelease, centre + QPointF(60, 0));
+    ASSERT_EQ(spill->getKeyCount(), 3);
+    EXPECT_TRUE(spill->hasKeyAt(10.0));
+    EXPECT_NEAR(spill->getTypedValue<double>(10.0), 0.7, 1e-6);
+    EXPECT_DOUBLE_EQ(spill->getTypedValue<double>(0.0), 0.2);
+    ASSERT_TRUE(stack().undo());
+    EXPECT_EQ(spill->getKeyCount(), 2);
+    EXPECT_DOUBLE_EQ(spill->getTypedValue<double>(10.0), 0.4);
 }
 
 TEST_F(ViewerScene, EventsReachTheToolInWindowCoordinatesWithTheirKeys) {
