@@ -198,6 +198,19 @@ TEST_F(ViewerScene, FailuresOfHotkeysAndDrawingAreContainedToo) {
     EXPECT_TRUE(reported("viewer test viewer: drawing: cannot draw"));
 }
 
+TEST_F(ViewerScene, AViewerClosedDuringADragClosesTheStepEvenWhenItsHandlerLivesOn) {
+    auto tool = rcMake<SliderTool>(keyer->getSpillInput(0), timePath(), GePoint2<float>(32, 24));
+    const RCShdPtr<MfCurrentToolEventHandler> kept = installTools({{"Adjust Spill", tool}});
+    const QPointF centre = window(32.0f, 24.0f);
+    sendMouse(viewer.get(), QEvent::MouseButtonPress, centre);
+    sendMouse(viewer.get(), QEvent::MouseMove, centre + QPointF(30, 0));
+    EXPECT_TRUE(stack().isStepOpen());
+    viewer.reset();
+    EXPECT_FALSE(tool->isManipulating());
+    EXPECT_FALSE(stack().isStepOpen());
+    EXPECT_EQ(stack().getStepCount(), 1);
+}
+
 TEST_F(ViewerScene, RequestsPostedByAToolRunRightAfterItsEvent) {
     struct Mark : EvRequestEvent {
         explicit Mark(bool& ran)

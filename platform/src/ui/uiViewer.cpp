@@ -5,6 +5,7 @@
 
 #include <base/exReporter.h>
 #include <base/vwUtils.h>
+#include <gfx/mfCurrentToolEventHandler.h>
 #include <gfx/mfEventHandlerUtil.h>
 #include <gfx/wsCursorRegistry.h>
 #include <pluginAPI/piCurrentToolEventHandler.h>
@@ -71,6 +72,13 @@ UiViewer::UiViewer(QWidget* parent, const LiString& name)
 }
 
 UiViewer::~UiViewer() {
+    // A drag under way ends here (its undo step closed), while its tool can
+    // still ask this viewer for a redraw: someone else may hold the handler.
+    if (auto* current = dynamic_cast<MfCurrentToolEventHandler*>(_handler.get())) {
+        if (const RCShdPtr<MfTool> tool = current->getCurrentMfTool()) {
+            exContain("viewer " + getName() + ": closing", [&] { tool->interruptManipulation(); });
+        }
+    }
     // The handler goes while the viewer is whole: it unregisters its hotkeys
     // from this widget's handler.
     RCShdPtr<PiEventHandler> handler;
