@@ -44,8 +44,9 @@ public:
     // screen grain scatters both ways around the screen colour, and a sample
     // that happened to catch one side of it stands for both. With p = B K (the
     // key colour in the box's cube coordinates), row r of the result is
-    //   (row r of B applied to x - p_r) / (1 + |p_r|),
-    // which sends K to the origin and still holds every colour of B. The
+    //   (row r of B applied to x - p_r) / ((1 + |p_r|) (1 + 2^-16)),
+    // which sends K to the origin and still holds every colour of B (the last
+    // factor keeps B's faces inside when evaluated in float). The
     // identity (no box) is answered unchanged, as is the box when K is not
     // finite.
     static CoAffineMatrixTyped<float>

@@ -181,7 +181,7 @@ TsUtils::arrangeMatrixForPatchEdge(const CoRgbColorTyped<float>& keyColour,
         if (!std::isfinite(p)) {
             return box;
         }
-        const double scale = 1.0 / (1.0 + std::fabs(p));
+        const double scale = 1.0 / ((1.0 + std::fabs(p)) * (1.0 + std::ldexp(1.0, -16)));
         for (int c = 0; c < 3; ++c) {
             out.set(r, c, static_cast<float>(box.get(r, c) * scale));
         }
