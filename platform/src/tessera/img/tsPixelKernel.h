@@ -1,0 +1,22 @@
+#pragma once
+
+#include <tessera/img/tsPixelMath.h>
+
+// The keyer's per-pixel loops are compiled twice on x86-64: for the baseline
+// (SSE2, 4 floats a vector) and for x86-64-v3 (AVX2 and FMA, 8 floats),
+// chosen when the library is loaded by what the processor offers. Sanitised
+// builds keep the baseline only.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(TESSERA_SANITIZED)
+#define TS_PIXEL_KERNEL __attribute__((target_clones("arch=x86-64-v3", "default")))
+#else
+#define TS_PIXEL_KERNEL
+#endif
+
+using TsPixelMath::clampUnit;
+using TsPixelMath::maxOf;
+using TsPixelMath::minOf;
+
+// 0 and 1 for TsPixelMath::clampUnit, defined in another file so that the
+// compiler cannot see their values. A loop reads them once into locals.
+extern const float tsPixelZero;
+extern const float tsPixelOne;
