@@ -1,0 +1,44 @@
+#pragma once
+
+#include <pluginAPI/piImage.h>
+
+#include <string>
+
+// Plates in and keyer outputs out, through OpenImageIO. Nothing here throws:
+// a failure answers null (or false) and a message that names the file and
+// carries the reader's or writer's own text, for the host to report
+// (ExReporter) while it keeps running.
+//
+// Reading (EXR, DPX, TIFF, PNG, JPEG and whatever else the library reads):
+// - the first subimage, as float RGBA: one channel is grey (alpha 1), three
+//   are RGB (alpha 1), four are RGBA; other channel counts and deep images
+//   are refused;
+// - the plate covers the display window; the data window is placed inside it
+//   and what it does not cover is transparent black (data outside the
+//   display window is cut off);
+// - rows are flipped to the host's bottom-to-top order;
+// - colour stays straight: associated (premultiplied) alpha, as in EXR, is
+//   divided out where alpha > 0;
+// - integer files that declare the sRGB encoding (PNG, JPEG, most TIFFs)
+//   are decoded to linear; float data is taken as it is;
+// - NaN components of float files become 0 (they would poison every average
+//   and the matte).
+//
+// Writing, by the file's extension:
+// - .exr: 32-bit float RGBA, premultiplied, display window = data window;
+// - .png: 16-bit RGBA, sRGB-encoded colour, straight alpha, clamped to
+//   [0, 1].
+class TsPlateIO {
+public:
+    static PiImagePtr read(const std::string& path, std::string& error);
+    static bool write(const PiImage& image, const std::string& path, std::string& error);
+
+    // The same, reporting a failure through ExReporter (source "plate
+    // reader" or "image writer", the message as above).
+    static PiImagePtr readReported(const std::string& path);
+    static bool writeReported(const PiImage& image, const std::string& path);
+
+    // The sRGB transfer functions used above.
+    static float srgbToLinear(float v);
+    static float linearToSrgb(float v);
+};
