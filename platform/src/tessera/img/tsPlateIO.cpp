@@ -111,6 +111,11 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
     // Some readers note a damaged file but still answer true.
     if (!ok || in->has_error()) {
         error = readFailure(path, cleaned(in->geterror(), "read failed"));
+        // Closing a damaged file can note further errors; they are taken too,
+        // so that none is left over to prefix the message of a later failure.
+        in->close();
+        (void)in->geterror();
+        (void)OIIO::geterror();
         return {};
     }
     in->close();
