@@ -3,6 +3,7 @@
 #include <ui/uiQtEvents.h>
 #include <ui/uiWidget.h>
 
+#include <QApplication>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QObject>
@@ -41,6 +42,14 @@ public:
         , _widget(widget)
         , handler(owner, name) {
         widget->installEventFilter(this);
+        // A UiWidget that a plug-in holds longer than the widget lives (a
+        // counted panel widget) leaves the lookup with the widget.
+        connect(widget, &QObject::destroyed, this, [this, widget] {
+            auto it = widgets().find(widget);
+            if (it != widgets().end() && it->second == &_owner) {
+                widgets().erase(it);
+            }
+        });
     }
     ~Imp() override {
         if (_widget) {
@@ -90,8 +99,12 @@ UiGrabHandler* UiWidget::getEventHandler() const {
 }
 
 UiCanvas UiWidget::getCanvas() const {
-    return UiCanvas(_widget->width(), _widget->height(),
-                    RCShdPtr<WsFont>(new UiFont(_widget->font())));
+    const QWidget* widget = _imp->_widget;
+    if (!widget) {
+        return UiCanvas(0, 0, RCShdPtr<WsFont>(new UiFont(QApplication::font())));
+    }
+    return UiCanvas(widget->width(), widget->height(),
+                    RCShdPtr<WsFont>(new UiFont(widget->font())));
 }
 
 const LiString& UiWidget::getName() const {
@@ -99,7 +112,11 @@ const LiString& UiWidget::getName() const {
 }
 
 GePoint2<float> UiWidget::getPointerPosition() const {
-    const QPointF p = _widget->mapFromGlobal(QCursor::pos());
+    const QWidget* widget = _imp->_widget;
+    if (!widget) {
+        return {};
+    }
+    const QPointF p = widget->mapFromGlobal(QCursor::pos());
     return {static_cast<float>(p.x()), static_cast<float>(p.y())};
 }
 

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <pluginAPI/piWidget.h>
+#include <resmgt/liString.h>
+
+// A text label. Fires Resized when its size changes, so that a plug-in can
+// fit its text to the new width (UiLabel offers the font and the width).
+class PiLabel : public virtual PiWidget {
+public:
+    ~PiLabel() override;
+
+    virtual LiString getText() const = 0;
+    virtual void setText(const LiString& text) = 0;
+};
