@@ -114,7 +114,9 @@ streamBlockAvx(const float* __restrict r, const float* __restrict g, const float
     }
 }
 
-const bool haveAvx = __builtin_cpu_supports("avx");
+// The processor's features may be asked before the runtime's own start-up
+// code has looked at them, hence the explicit initialisation.
+const bool haveAvx = (__builtin_cpu_init(), __builtin_cpu_supports("avx"));
 #else
 constexpr bool haveAvx = false;
 inline void streamBlockAvx(const float*, const float*, const float*, const float*, float*) {}
