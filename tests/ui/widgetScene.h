@@ -5,6 +5,7 @@
 
 #include "uiScene.h"
 
+#include <base/rcCast.h>
 #include <pluginAPI/piContainer.h>
 #include <pluginAPI/piWidget.h>
 #include <ui/uiContainer.h>
