@@ -70,6 +70,11 @@ public:
     void setImageSource(ImageSource source);
     // The image shown now.
     PiImagePtr getImage() const;
+    // The world rectangle the image covers: the node's plate (so that a
+    // source that answers a reduced image, such as a render at viewer
+    // resolution, is drawn over the plate), or the image itself for a node
+    // without a plate. Empty when there is neither.
+    GeRectangle<float> getImageExtent() const;
 
     // --- time
     TmTimeClient& getTime() { return _time; }
@@ -132,6 +137,7 @@ private:
     void record();
     void updateCursor();
     const QImage& displayImage();
+    PiImagePtr getPlate() const;
 
     RCShdPtr<PiNode> _node;
     RCShdPtr<PiPath> _path;

@@ -173,6 +173,10 @@ PiImagePtr UiViewer::getImage() const {
     if (_source) {
         return _source(_time.getTime());
     }
+    return getPlate();
+}
+
+PiImagePtr UiViewer::getPlate() const {
     if (!_node) {
         return PiImagePtr();
     }
@@ -184,20 +188,30 @@ PiImagePtr UiViewer::getImage() const {
     return input->getTypedValue<PiImagePtr>(_time.getTime());
 }
 
+GeRectangle<float> UiViewer::getImageExtent() const {
+    PiImagePtr image = getPlate();
+    if (!image || image->isEmpty()) {
+        image = _source ? _source(_time.getTime()) : PiImagePtr();
+    }
+    if (!image || image->isEmpty()) {
+        return GeRectangle<float>();
+    }
+    return GeRectangle<float>(0.0f, static_cast<float>(image->getWidth()), 0.0f,
+                              static_cast<float>(image->getHeight()));
+}
+
 void UiViewer::setFrame(double frame) {
     _time.setTime(frame);
     redraw();
 }
 
 void UiViewer::fitImage() {
-    const PiImagePtr image = getImage();
-    if (!image || image->isEmpty() || width() <= 0 || height() <= 0) {
+    const GeRectangle<float> extent = getImageExtent();
+    if (!(extent.getWidth() > 0.0f) || width() <= 0 || height() <= 0) {
         return;
     }
     _view.setViewportSize(width(), height());
-    _view.fit(GeRectangle<float>(0.0f, static_cast<float>(image->getWidth()), 0.0f,
-                                 static_cast<float>(image->getHeight())),
-              16.0f);
+    _view.fit(extent, 16.0f);
     _fitted = true;
     redraw();
 }
@@ -318,9 +332,12 @@ void UiViewer::paintEvent(QPaintEvent*) {
     painter.fillRect(rect(), QColor(38, 38, 40));
     const QImage& image = displayImage();
     if (!image.isNull()) {
-        const GeRectangle<float> r = VwUtils::worldToWindowOrtho(
-            _view, GeRectangle<float>(0.0f, static_cast<float>(image.width()), 0.0f,
-                                      static_cast<float>(image.height())));
+        GeRectangle<float> extent = getImageExtent();
+        if (!(extent.getWidth() > 0.0f)) {
+            extent = GeRectangle<float>(0.0f, static_cast<float>(image.width()), 0.0f,
+                                        static_cast<float>(image.height()));
+        }
+        const GeRectangle<float> r = VwUtils::worldToWindowOrtho(_view, extent);
         painter.setRenderHint(QPainter::SmoothPixmapTransform, _view.getZoom() < 1.0f);
         painter.drawImage(QRectF(r.getXMin(), r.getYMin(), r.getWidth(), r.getHeight()), image);
     }
