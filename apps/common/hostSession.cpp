@@ -1,0 +1,318 @@
+#include "hostSession.h"
+
+#include "hostPackages.h"
+#include "keyerImageSource.h"
+
+#include <base/rcCast.h>
+#include <pluginAPI/piCurrentToolEventHandler.h>
+#include <pluginAPI/piEventHandler.h>
+#include <pluginAPI/piPath.h>
+#include <pluginAPI/piSnItem.h>
+#include <resmgt/msgFileGuard.h>
+#include <tessera/img/tsDemoPlate.h>
+#include <tessera/tsNodeSelectChangedEvent.h>
+#include <tessera/tsSetup.h>
+#include <ui/uiApplication.h>
+#include <ui/uiHotkeyRegistry.h>
+#include <ui/uiViewer.h>
+
+#include <QCoreApplication>
+#include <QEvent>
+
+#include <algorithm>
+
+namespace {
+
+const char* const GroupName = "Tessera";
+
+// The keyer node a selection item refers to, if it is one.
+RCShdPtr<PiNode> nodeOf(const RCShdPtr<const SnItem>& item) {
+    const auto* node = dynamic_cast<const PiSnItem<PiNode>*>(item.get());
+    return node ? node->get() : RCShdPtr<PiNode>();
+}
+
+// An image input set as the host wires it: no undo step.
+void wire(const RCShdPtr<PiInput>& input, const PiImagePtr& image) {
+    if (!input) {
+        return;
+    }
+    PiInputState state = input->getState();
+    state.constant = PiValue(image);
+    state.keys.clear();
+    input->restoreState(state);
+}
+
+} // namespace
+
+bool HostSession::startPackages() {
+    static const bool started = HostPackages::loadAndStart(HostPackages::defaultModulePath());
+    return started;
+}
+
+HostSession::HostSession(QWidget* viewerParent, int width, int height) {
+    UiApplication::getInstance();
+    startPackages();
+    _listener = ExReporter::getInstance().addListener(
+        [this](const ExReporter::Report& r) { _reports.push_back(r); });
+    _catalogue = std::make_unique<MsgFileGuard>("tessera.msg");
+    // The hotkey table is read on first use: now, so that a bad table is
+    // reported at start.
+    UiHotkeyRegistry::getInstance();
+    _viewer = std::make_unique<UiViewer>(viewerParent, "viewer");
+    _viewer->resize(width, height);
+    _imageSource = std::make_unique<KeyerImageSource>(*_viewer);
+    SnSelection::getCurrent()->attachObserver(this);
+    makeKeyer(1, 1);
+}
+
+HostSession::~HostSession() {
+    SnSelection::getCurrent()->detachObserver(this);
+    detachGroup();
+    // The viewer's handler (module code) goes while the keyer still lives.
+    _imageSource.reset();
+    exContain("session: closing the viewer", [&] { _viewer.reset(); });
+    _shown.reset();
+    _group.reset();
+    _graph.reset();
+    settle();
+    _catalogue.reset();
+    ExReporter::getInstance().removeListener(_listener);
+}
+
+void HostSession::settle() {
+    UiApplication::getInstance().processRequests();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// --- the keyer
+
+void HostSession::attachGroup() {
+    const RCShdPtr<PiNodeController>& controller = _group->getController();
+    controller->addCallback<TsNodeSelectChangedEvent>(&_selectChanged);
+    controller->addCallback<PiNodeEvent::NodeRemovedFromGroup>(&_removed);
+}
+
+void HostSession::detachGroup() {
+    if (!_group) {
+        return;
+    }
+    const RCShdPtr<PiNodeController>& controller = _group->getController();
+    controller->removeCallback<TsNodeSelectChangedEvent>(&_selectChanged);
+    controller->removeCallback<PiNodeEvent::NodeRemovedFromGroup>(&_removed);
+}
+
+void HostSession::makeKeyer(int generation, int nodes) {
+    detachGroup();
+    exContain("session: the viewer lets the old keyer go",
+              [&] { _viewer->setNode(RCShdPtr<PiNode>()); });
+    _shown.reset();
+    _graph = PiGraph::create();
+    _group = TsKeyerGroup::create(GroupName, generation, std::max(nodes, 1));
+    _graph->getRoot()->addNode(_group);
+    for (int i = 0; i < std::min(_group->getKeyerNodeCount(), TsGroupInterface::SlotCount); ++i) {
+        _group->setSlotNode(i, _group->getKeyerNode(i));
+    }
+    _group->setSelectedNode(_group->getKeyerNode(0));
+    wirePlates();
+    _graph->getCommandStack().clear();
+    attachGroup();
+    followKeyer();
+    select(_group->getKeyerNode(0));
+}
+
+RCShdPtr<PiNode> HostSession::findNode(const std::string& name) const {
+    if (name == _group->getName()) {
+        return _group;
+    }
+    return _group->findNode(name);
+}
+
+void HostSession::followKeyer() {
+    RCShdPtr<PiNode> selected = _group->getSelectedNode();
+    RCShdPtr<TsKeyerNode> keyer(dynamic_cast<TsKeyerNode*>(selected.get()));
+    if (!keyer) {
+        keyer = _group->getKeyerNode(0);
+    }
+    if (keyer.get() == _shown.get() && _viewer->getNode().get() == keyer.get()) {
+        return;
+    }
+    _shown = keyer;
+    exContain("session: showing " + (keyer ? keyer->getName() : std::string("no node")),
+              [&] { _viewer->setNode(keyer); });
+}
+
+void HostSession::selectedNodeChanged(const PiNodeEvent&) {
+    followKeyer();
+}
+
+void HostSession::nodeRemoved(const PiNodeEvent& event) {
+    if (event.getNode().get() == _shown.get()) {
+        // The group still holds it while its handlers run: let it go after.
+        _shown.reset();
+        exContain("session: the viewer lets the removed node go",
+                  [&] { _viewer->setNode(RCShdPtr<PiNode>()); });
+    }
+}
+
+void HostSession::update(const Sn& selection) {
+    const RCShdPtr<PiNode> node = nodeOf(selection.first());
+    if (!node || node->getParent() != _group.get() || !dynamic_cast<TsKeyerNode*>(node.get())) {
+        return;
+    }
+    if (_group->getSelectedNode().get() != node.get()) {
+        exContain("session: selecting " + node->getName(), [&] { _group->setSelectedNode(node); });
+    }
+}
+
+void HostSession::select(const RCShdPtr<PiNode>& node) {
+    exContain("session: selection", [&] {
+        if (node) {
+            SnSelection::getCurrent()->setItems({PiSnItemUtil::create(node)});
+        } else {
+            SnSelection::getCurrent()->clear();
+        }
+    });
+    settle();
+}
+
+void HostSession::rename(const RCShdPtr<PiNode>& node, const std::string& name) {
+    exContain("session: renaming " + node->getName(), [&] { node->setName(name); });
+    settle();
+}
+
+bool HostSession::remove(const RCShdPtr<PiNode>& node) {
+    if (!node || node.get() == _group.get() || node->getParent() != _group.get() ||
+        dynamic_cast<PiBoundaryNode*>(node.get())) {
+        return false;
+    }
+    bool removed = false;
+    exContain("session: removing " + node->getName(), [&] { removed = _group->removeNode(node); });
+    followKeyer();
+    settle();
+    return removed;
+}
+
+int HostSession::undo(int steps) {
+    int done = 0;
+    PiCommandStack& stack = getCommandStack();
+    while (done < steps && stack.canUndo()) {
+        ++done;
+        if (!exContain("session: undo", [&] { stack.undo(); })) {
+            break;
+        }
+    }
+    followKeyer();
+    settle();
+    return done;
+}
+
+int HostSession::redo(int steps) {
+    int done = 0;
+    PiCommandStack& stack = getCommandStack();
+    while (done < steps && stack.canRedo()) {
+        ++done;
+        if (!exContain("session: redo", [&] { stack.redo(); })) {
+            break;
+        }
+    }
+    followKeyer();
+    settle();
+    return done;
+}
+
+// --- setups
+
+bool HostSession::saveSetup(const std::string& path, std::string& error) const {
+    LiString message;
+    if (!TsSetup::save(*_group, path, &message)) {
+        error = message;
+        return false;
+    }
+    return true;
+}
+
+bool HostSession::loadSetup(const std::string& path, std::string& error) {
+    bool loaded = false;
+    LiString message;
+    exContain("session: loading " + path, [&] { loaded = TsSetup::load(*_group, path, &message); });
+    if (!loaded) {
+        error = message.empty() ? "the setup was not loaded" : message;
+        return false;
+    }
+    // Keyer nodes the setup added get the plate too.
+    wirePlates();
+    followKeyer();
+    settle();
+    return true;
+}
+
+// --- plates
+
+void HostSession::wirePlates() {
+    for (int i = 0; i < _group->getKeyerNodeCount(); ++i) {
+        const RCShdPtr<TsKeyerNode> keyer = _group->getKeyerNode(i);
+        exContain("session: plates of " + keyer->getName(), [&] {
+            wire(keyer->getImageInput(), _plate);
+            wire(keyer->getBackgroundInput(), _background);
+        });
+    }
+}
+
+void HostSession::setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo) {
+    setPlate(demo->getPlate(), "demo");
+    _demo = demo;
+}
+
+void HostSession::setPlate(const PiImagePtr& plate, const std::string& name) {
+    _demo.reset();
+    _plate = plate;
+    _plateName = name;
+    wirePlates();
+    _viewer->fitImage();
+    _viewer->redraw();
+}
+
+void HostSession::setBackground(const PiImagePtr& background, const std::string& name) {
+    _background = background;
+    _backgroundName = name;
+    wirePlates();
+    _viewer->redraw();
+}
+
+// --- the viewer
+
+double HostSession::getFrame() const {
+    return _viewer->getTime().getTime();
+}
+
+void HostSession::setFrame(double frame) {
+    exContain("session: frame", [&] { _viewer->setFrame(frame); });
+    settle();
+}
+
+bool HostSession::setTool(const std::string& name) {
+    // Held for the call: the viewer may replace it by another stage's.
+    const RCShdPtr<PiEventHandler> handler = _viewer->getCurrentEventHandler();
+    auto* current = dynamic_cast<PiCurrentToolEventHandler*>(handler.get());
+    bool made = false;
+    exContain("session: tool \"" + name + "\"", [&] {
+        if (current) {
+            current->setCurrentTool(name);
+            made = getTool() == name;
+        } else {
+            made = _viewer->offerTool(name);
+        }
+    });
+    settle();
+    return made;
+}
+
+std::string HostSession::getTool() const {
+    const RCShdPtr<PiEventHandler> handler = _viewer->getCurrentEventHandler();
+    auto* current = dynamic_cast<PiCurrentToolEventHandler*>(handler.get());
+    std::string name;
+    if (current) {
+        exContain("session: the current tool", [&] { name = current->getCurrentTool(); });
+    }
+    return name;
+}

@@ -1,0 +1,145 @@
+#pragma once
+
+#include <base/cbMethod.h>
+#include <base/exReporter.h>
+#include <base/obObserver.h>
+#include <base/rcShdPtr.h>
+#include <internalAPI/snSelection.h>
+#include <pluginAPI/piCommandStack.h>
+#include <pluginAPI/piGraph.h>
+#include <pluginAPI/piImage.h>
+#include <pluginAPI/piNodeEvent.h>
+#include <pluginAPI/piPath.h>
+#include <tessera/tsGroupInterface.h>
+#include <tessera/tsKeyerGroup.h>
+#include <tessera/tsKeyerNode.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QWidget;
+class UiViewer;
+class MsgFileGuard;
+class KeyerImageSource;
+class TsDemoPlate;
+
+// What both host programs are made of: one plate, one keyer group with its
+// keyer nodes in a graph of their own (whose command stack is the undo
+// history), the viewer that shows the keyer node the group has selected, the
+// application's node selection, and the reports of everything that went
+// wrong. The module is loaded and started once per process, before the first
+// session; its message catalogue stays open for the life of the session and
+// the hotkey table is read.
+//
+// The viewer follows the keyer: it shows the group's selected keyer node (the
+// first keyer node when none is selected) and moves on when that node is
+// selected away, removed or brought back by an undo. Selecting a keyer node of
+// the group in the application's selection selects it in the group (an undo
+// step of the keyer's, "Select Node").
+//
+// Plates are the host's wiring: they are put on every keyer node's image
+// input (and the background on its background input) without an undo step,
+// and again on keyer nodes that a setup load adds.
+//
+// Every call that runs module code (selection and node events, undo and
+// redo, setup loads, tool changes) is contained: a failure is reported, the
+// step it left open is closed, and the session carries on.
+class HostSession : public ObObserver<Sn> {
+public:
+    // The viewer is a child of `viewerParent` (a top-level window without
+    // one), `width` x `height` pixels.
+    explicit HostSession(QWidget* viewerParent = nullptr, int width = 960, int height = 540);
+    ~HostSession() override;
+    HostSession(const HostSession&) = delete;
+    HostSession& operator=(const HostSession&) = delete;
+
+    // Loads and starts the module once per process (later calls answer what
+    // the first one did).
+    static bool startPackages();
+
+    // --- the keyer
+    // Replaces the keyer by a new group of `generation` (1 or 2) with
+    // `nodes` keyer nodes ("keyer1", ...): slots hold the first six, the
+    // first is selected, and the history starts empty.
+    void makeKeyer(int generation, int nodes);
+    const RCShdPtr<TsKeyerGroup>& getKeyer() const { return _group; }
+    const RCShdPtr<PiGraph>& getGraph() const { return _graph; }
+    PiCommandStack& getCommandStack() const { return _graph->getCommandStack(); }
+    // The group itself (by its name) or a node directly inside it; empty
+    // when none has the name.
+    RCShdPtr<PiNode> findNode(const std::string& name) const;
+    // The keyer node the viewer shows; empty when the group has none.
+    RCShdPtr<TsKeyerNode> getShownNode() const { return _shown; }
+
+    // The application's selection becomes the node alone (contained).
+    void select(const RCShdPtr<PiNode>& node);
+    void rename(const RCShdPtr<PiNode>& node, const std::string& name);
+    // Removes a node of the group (not the group, not a boundary node);
+    // false when it cannot be removed.
+    bool remove(const RCShdPtr<PiNode>& node);
+
+    // --- history (contained); answer how many steps were undone (redone)
+    int undo(int steps = 1);
+    int redo(int steps = 1);
+
+    // --- setups of the whole group; false and `error` on failure (reported)
+    bool saveSetup(const std::string& path, std::string& error) const;
+    bool loadSetup(const std::string& path, std::string& error);
+
+    // --- the plate and the background (null for none)
+    void setPlate(const PiImagePtr& plate, const std::string& name);
+    void setBackground(const PiImagePtr& background, const std::string& name);
+    // Shows the built-in demo plate's plate, kept for its ground truth.
+    void setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo);
+    // The demo plate whose plate is shown; null for any other plate.
+    const std::shared_ptr<const TsDemoPlate>& getDemo() const { return _demo; }
+    const PiImagePtr& getPlate() const { return _plate; }
+    const std::string& getPlateName() const { return _plateName; }
+    const PiImagePtr& getBackground() const { return _background; }
+    const std::string& getBackgroundName() const { return _backgroundName; }
+
+    // --- the viewer
+    UiViewer& getViewer() const { return *_viewer; }
+    // What the viewer shows of the keyer (its view mode).
+    KeyerImageSource& getImageSource() const { return *_imageSource; }
+    double getFrame() const;
+    void setFrame(double frame);
+    // Makes the tool current in the viewer, by name, as a panel does (the
+    // viewer switches to the stage that owns it); false when no stage has it.
+    bool setTool(const std::string& name);
+    std::string getTool() const;
+
+    // --- what went wrong since the session began, oldest first
+    const std::vector<ExReporter::Report>& getReports() const { return _reports; }
+
+    // Runs the application's queued requests and the window system's
+    // deferred deletions: what the host does between two user actions.
+    static void settle();
+
+private:
+    void update(const Sn& selection) override;
+    void selectedNodeChanged(const PiNodeEvent& event);
+    void nodeRemoved(const PiNodeEvent& event);
+    void followKeyer();
+    void wirePlates();
+    void attachGroup();
+    void detachGroup();
+
+    std::unique_ptr<MsgFileGuard> _catalogue;
+    std::unique_ptr<UiViewer> _viewer;
+    std::unique_ptr<KeyerImageSource> _imageSource;
+    RCShdPtr<PiGraph> _graph;
+    RCShdPtr<TsKeyerGroup> _group;
+    RCShdPtr<TsKeyerNode> _shown;
+    std::shared_ptr<const TsDemoPlate> _demo; // while its plate is shown
+    PiImagePtr _plate;
+    PiImagePtr _background;
+    std::string _plateName;
+    std::string _backgroundName;
+    std::vector<ExReporter::Report> _reports;
+    int _listener = 0;
+    CbMethod<HostSession, const PiNodeEvent> _selectChanged{this,
+                                                            &HostSession::selectedNodeChanged};
+    CbMethod<HostSession, const PiNodeEvent> _removed{this, &HostSession::nodeRemoved};
+};

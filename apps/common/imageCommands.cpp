@@ -1,0 +1,130 @@
+#include "imageCommands.h"
+
+#include "hostSession.h"
+#include "keyerImageSource.h"
+#include "outputWriter.h"
+#include "sessionArgs.h"
+#include "sessionInterpreter.h"
+
+#include <tessera/img/tsDemoPlate.h>
+#include <tessera/img/tsPlateIO.h>
+
+#include <cmath>
+
+namespace {
+
+PiImagePtr readPlate(SessionInterpreter& interpreter, const std::string& file) {
+    std::string error;
+    const PiImagePtr image = TsPlateIO::read(interpreter.inputPath(file), error);
+    if (!image) {
+        throw SessionArgs::Error(error);
+    }
+    return image;
+}
+
+} // namespace
+
+void addImageCommands(SessionInterpreter& interpreter, OutputWriter& writer) {
+    SessionInterpreter& in = interpreter;
+    HostSession& s = interpreter.getSession();
+
+    in.addCommand("plate", [&in, &s](SessionArgs& a) {
+        if (a.take("demo")) {
+            TsDemoPlate::Options options;
+            if (!a.atEnd() && a.peek() != "seed") {
+                options.width = a.integer("plate width");
+                options.height = a.integer("plate height");
+                if (options.width < 16 || options.height < 16 || options.width > 8192 ||
+                    options.height > 8192) {
+                    throw SessionArgs::Error("a demo plate is 16 to 8192 pixels each way");
+                }
+            }
+            if (a.take("seed")) {
+                const int seed = a.integer("seed");
+                if (seed < 0) {
+                    throw SessionArgs::Error("a seed is 0 or more");
+                }
+                options.seed = static_cast<std::uint64_t>(seed);
+            }
+            a.end();
+            s.setDemoPlate(std::make_shared<const TsDemoPlate>(options));
+            return;
+        }
+        const std::string file = a.word("plate file (or demo)");
+        a.end();
+        s.setPlate(readPlate(in, file), file);
+    });
+    in.addCommand("background", [&in, &s](SessionArgs& a) {
+        if (a.take("none")) {
+            a.end();
+            s.setBackground(PiImagePtr(), "");
+            return;
+        }
+        if (a.take("demo")) {
+            a.end();
+            if (!s.getDemo()) {
+                throw SessionArgs::Error("the demo background goes with the demo plate "
+                                         "(plate demo first)");
+            }
+            s.setBackground(s.getDemo()->getBackground(), "demo");
+            return;
+        }
+        const std::string file = a.word("background file (demo or none)");
+        a.end();
+        s.setBackground(readPlate(in, file), file);
+    });
+    in.addCommand("view", [&s](SessionArgs& a) {
+        TsViewMode mode = TsViewMode::Composite;
+        const std::string name = a.choice("view mode", KeyerImageSource::getModeNames());
+        a.end();
+        KeyerImageSource::parseMode(name, mode);
+        s.getImageSource().setMode(mode);
+    });
+    in.addCommand("write", [&in, &writer](SessionArgs& a) {
+        const std::string kind = a.choice("output", OutputWriter::getKinds());
+        const std::string path = in.outputPath(a.word("output file"));
+        a.end();
+        std::string error;
+        if (!writer.write(kind, path, error)) {
+            throw SessionArgs::Error(error);
+        }
+    });
+
+    SessionProbe& probe = interpreter.getProbe();
+    probe.addQuery("mode", [&s](SessionArgs&) {
+        return KeyerImageSource::getModeName(s.getImageSource().getMode());
+    });
+    probe.addQuery("pixel", [&s](SessionArgs& a) {
+        TsViewMode mode = TsViewMode::Composite;
+        const std::string name = a.choice("view mode", KeyerImageSource::getModeNames());
+        KeyerImageSource::parseMode(name, mode);
+        const GePoint2<double> p = a.point("plate pixel");
+        const RCShdPtr<TsKeyerNode> node = s.getShownNode();
+        const PiImagePtr image =
+            node ? KeyerImageSource::render(*node, s.getFrame(), mode) : PiImagePtr();
+        if (!image) {
+            throw SessionArgs::Error("there is no plate to key");
+        }
+        const int i = static_cast<int>(std::floor(p.x));
+        const int j = static_cast<int>(std::floor(p.y));
+        if (!image->contains(i, j)) {
+            throw SessionArgs::Error("pixel " + std::to_string(i) + " " + std::to_string(j) +
+                                     " is outside the plate");
+        }
+        const CoRgbaColorTyped<float> c = image->getPixel(i, j);
+        return SessionArgs::format(c.r) + " " + SessionArgs::format(c.g) + " " +
+               SessionArgs::format(c.b) + " " + SessionArgs::format(c.a);
+    });
+    probe.addQuery("score", [&s](SessionArgs& a) {
+        const std::string region = a.choice("region", {"inside", "outside", "edge", "all"});
+        const std::optional<TsMatteScore> score = SessionSummary::score(s);
+        if (!score) {
+            throw SessionArgs::Error("there is no ground truth: the plate is not the demo plate");
+        }
+        const double value = region == "inside"    ? score->inside
+                             : region == "outside" ? score->outside
+                             : region == "edge"    ? score->edge
+                                                   : score->all;
+        return SessionArgs::format(value);
+    });
+}

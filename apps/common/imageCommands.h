@@ -1,0 +1,10 @@
+#pragma once
+
+class SessionInterpreter;
+class OutputWriter;
+
+// The session commands and queries about images: `plate`, `background`,
+// `view`, `write`, and the queries `mode`, `pixel` and `score` (see
+// docs/session-scripts.md). The writer must outlive the interpreter's use of
+// them.
+void addImageCommands(SessionInterpreter& interpreter, OutputWriter& writer);

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <base/rcShdPtr.h>
+#include <pluginAPI/piInput.h>
+#include <pluginAPI/piValue.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+class HostSession;
+class SessionArgs;
+class PiNode;
+
+// What a session script can read of the host's state, for `print` and
+// `expect`: each query is a word (and its arguments) that answers one line of
+// text (value) or, for print, a listing of several lines. The words, their
+// arguments and the forms of their answers are those of the session-script
+// documentation; lists in one line are joined by ", ".
+//
+// Queries that the host's panels answer come from a hook (addQuery), so the
+// programs can add what they hold without this class knowing them.
+class SessionProbe {
+public:
+    using Query = std::function<std::string(SessionArgs&)>;
+    using Listing = std::function<std::vector<std::string>(SessionArgs&)>;
+
+    explicit SessionProbe(HostSession& session);
+
+    // The one-line answer; SessionArgs::Error for an unknown query or bad
+    // arguments.
+    std::string value(SessionArgs& args);
+    // The lines print shows: the listing of queries that have one, else
+    // "WHAT = value".
+    std::vector<std::string> listing(SessionArgs& args);
+
+    void addQuery(const std::string& word, Query query, Listing listing = Listing());
+
+    // --- shared with the interpreter
+    // An input named [NODE/]NAME: NODE is a node of the keyer group or the
+    // group itself, the keyer node the viewer shows by default.
+    RCShdPtr<PiInput> findInput(const std::string& reference) const;
+    // A value as scripts read and write it: numbers in their shortest exact
+    // form, colours as three numbers, flags true or false, name lists as
+    // quoted names, node references as the node's name (- for none), images
+    // as WIDTHxHEIGHT (none).
+    std::string format(const PiValue& value) const;
+    // Parses the text of `words` into a value of the input's type.
+    static bool parseValue(PiValueType type, const std::vector<std::string>& words, PiValue& out,
+                           std::string& error);
+
+private:
+    struct Entry {
+        Query value;
+        Listing listing;
+    };
+    std::vector<std::string> inputs(SessionArgs& args);
+    std::vector<std::string> undoListing() const;
+    std::vector<std::string> manipulators() const;
+    std::string bars() const;
+    std::vector<std::string> drawing() const;
+    std::vector<std::string> reports() const;
+    double frameArg(SessionArgs& args) const;
+    RCShdPtr<PiNode> nodeArg(SessionArgs& args) const;
+    RCShdPtr<PiInput> inputArg(SessionArgs& args) const;
+
+    HostSession& _session;
+    std::map<std::string, Entry> _queries;
+};

@@ -1,0 +1,128 @@
+#include "sessionScript.h"
+
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r' || c == '\f' || c == '\v';
+}
+
+std::string withoutTrailingBlanks(const std::string& text) {
+    std::size_t end = text.size();
+    while (end > 0 && isBlank(text[end - 1])) {
+        --end;
+    }
+    std::size_t begin = 0;
+    while (begin < end && isBlank(text[begin])) {
+        ++begin;
+    }
+    return text.substr(begin, end - begin);
+}
+
+} // namespace
+
+SessionError::SessionError(const std::string& source, int line, const std::string& message)
+    : std::runtime_error(source + ":" + std::to_string(line) + ": " + message)
+    , _source(source)
+    , _line(line)
+    , _message(message) {}
+
+bool SessionScript::split(const std::string& line, Line& out, std::string& error) {
+    out.words.clear();
+    out.quoted.clear();
+    std::size_t i = 0;
+    std::size_t commentAt = line.size();
+    while (i < line.size()) {
+        if (isBlank(line[i])) {
+            ++i;
+            continue;
+        }
+        if (line[i] == '#') {
+            commentAt = i;
+            break;
+        }
+        std::string word;
+        if (line[i] == '"') {
+            const std::size_t open = i++;
+            bool closed = false;
+            while (i < line.size()) {
+                const char c = line[i++];
+                if (c == '\\' && i < line.size()) {
+                    word += line[i++];
+                } else if (c == '"') {
+                    closed = true;
+                    break;
+                } else {
+                    word += c;
+                }
+            }
+            if (!closed) {
+                error = "the quote opened at column " + std::to_string(open + 1) + " is not closed";
+                return false;
+            }
+            out.words.push_back(word);
+            out.quoted.push_back(true);
+            continue;
+        }
+        while (i < line.size() && !isBlank(line[i]) && line[i] != '#' && line[i] != '"') {
+            word += line[i++];
+        }
+        out.words.push_back(word);
+        out.quoted.push_back(false);
+    }
+    out.text = withoutTrailingBlanks(line.substr(0, commentAt));
+    return true;
+}
+
+std::string SessionScript::quote(const std::string& word) {
+    bool plain = !word.empty();
+    for (char c : word) {
+        if (isBlank(c) || c == '"' || c == '#' || c == '\\' || c == '\n') {
+            plain = false;
+        }
+    }
+    if (plain) {
+        return word;
+    }
+    std::string out = "\"";
+    for (char c : word) {
+        if (c == '"' || c == '\\') {
+            out += '\\';
+        }
+        out += c;
+    }
+    return out + "\"";
+}
+
+SessionScript SessionScript::parse(const std::string& text, const std::string& source) {
+    SessionScript script;
+    script._source = source;
+    std::istringstream in(text);
+    std::string raw;
+    int number = 0;
+    while (std::getline(in, raw)) {
+        ++number;
+        Line line;
+        line.number = number;
+        std::string error;
+        if (!split(raw, line, error)) {
+            throw SessionError(source, number, error);
+        }
+        if (!line.words.empty()) {
+            script._lines.push_back(std::move(line));
+        }
+    }
+    return script;
+}
+
+SessionScript SessionScript::read(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        throw SessionError(path, 0, "cannot read the session script");
+    }
+    std::ostringstream text;
+    text << in.rdbuf();
+    return parse(text.str(), path);
+}

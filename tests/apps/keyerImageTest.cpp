@@ -1,0 +1,163 @@
+// What the viewer shows of the keyer, and what a session writes: the view
+// modes, renders that follow the inputs, the viewer-resolution path of a
+// drag, outputs read back, and the matte's score on the demo plate.
+#include "sessionScene.h"
+#include "ui/viewerScene.h"
+
+#include "common/keyerImageSource.h"
+#include "common/sessionArgs.h"
+#include "common/viewerDriver.h"
+
+#include <gfx/mfCurrentToolEventHandler.h>
+#include <gfx/mfToolset.h>
+#include <pluginAPI/piTimePath.h>
+#include <tessera/img/tsDemoPlate.h>
+#include <tessera/img/tsPlateIO.h>
+
+#include <QImage>
+
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+class KeyerImageScene : public SessionScene {
+protected:
+    void SetUp() override {
+        SessionScene::SetUp();
+        ok("plate demo 640 360\nbackground demo");
+        const CoRgbColorTyped<float> screen = session->getDemo()->pickScreenColour();
+        std::ostringstream key;
+        key << "set keyColor1 " << screen.r << " " << screen.g << " " << screen.b;
+        keyColour = key.str();
+    }
+    KeyerImageSource& source() const { return session->getImageSource(); }
+    UiViewer& viewer() const { return session->getViewer(); }
+    std::string keyColour;
+};
+
+TEST_F(KeyerImageScene, TheViewerShowsTheModeAndRendersOnlyWhenAnInputChanged) {
+    ok("view matte\nexpect mode == matte");
+    const PiImagePtr first = viewer().getImage();
+    ASSERT_TRUE(first);
+    EXPECT_EQ(first->getWidth(), 640);
+    const int renders = source().getRenderCount();
+    EXPECT_EQ(viewer().getImage().get(), first.get()) << "nothing changed: the same image";
+    EXPECT_EQ(source().getRenderCount(), renders);
+
+    // With black key colours nothing is keyed; the screen's colour keys the
+    // screen out.
+    EXPECT_EQ(first->getPixel(4, 350).r, 1.0f);
+    ok(keyColour);
+    const PiImagePtr keyed = viewer().getImage();
+    EXPECT_EQ(source().getRenderCount(), renders + 1);
+    EXPECT_EQ(keyed->getPixel(4, 350).r, 0.0f);
+    EXPECT_EQ(keyed->getPixel(4, 350).a, 1.0f) << "a matte view is opaque grey";
+
+    // Undo is an input change too.
+    ok("undo");
+    EXPECT_EQ(viewer().getImage()->getPixel(4, 350).r, 1.0f);
+
+    ok("redo\nview status");
+    const PiImagePtr status = viewer().getImage();
+    for (int i = 0; i < 640; i += 7) {
+        const float s = status->getPixel(i, 180).r;
+        EXPECT_TRUE(s == 0.0f || s == 0.5f || s == 1.0f) << s;
+    }
+    ok("view source");
+    EXPECT_EQ(viewer().getImage()->getPixel(10, 10).g, session->getPlate()->getPixel(10, 10).g);
+    EXPECT_EQ(run("view alpha"), "test.tss:1: unknown view mode \"alpha\" (expected source, "
+                                 "matte, status, foreground or composite)");
+}
+
+TEST_F(KeyerImageScene, ADragShowsTheViewerResolutionAndItsEndTheFullOne) {
+    ok(keyColour + "\nview composite");
+    TsKeyerNode& node = shown();
+    auto tool = rcMake<SliderTool>(
+        node.getSpillInput(0),
+        RCShdPtr<const PiTimePath>(new PiTimePath(viewer().getTimeClient(), viewer().getPath())),
+        GePoint2<float>(320.0f, 180.0f));
+    auto handler = rcMake<MfCurrentToolEventHandler>(rcMake<MfToolset>(viewer()));
+    handler->appendTool("Adjust Spill", tool);
+    viewer().setEventHandler(handler);
+
+    ok("press 320 180\nmove 330 180");
+    const PiImagePtr during = viewer().getImage();
+    ASSERT_TRUE(during);
+    EXPECT_EQ(during->getWidth(), 320) << "a 640 plate in a 480 window: halved";
+    EXPECT_EQ(source().getViewerRenderCount(), 1);
+    ok("move 340 180");
+    EXPECT_NE(viewer().getImage().get(), during.get()) << "each step re-renders";
+    ok("release 340 180");
+    const PiImagePtr after = viewer().getImage();
+    EXPECT_EQ(after->getWidth(), 640);
+    // The full render is the pass's own at the new values.
+    const PiImagePtr reference = KeyerImageSource::render(node, 0.0, TsViewMode::Composite);
+    EXPECT_EQ(after->getPixel(321, 181).r, reference->getPixel(321, 181).r);
+    EXPECT_EQ(stack().getUndoName(), "Set Spill");
+    viewer().setEventHandler(RCShdPtr<PiEventHandler>());
+}
+
+TEST_F(KeyerImageScene, OutputsAreWrittenAndReadBack) {
+    ok(keyColour + "\nwrite source out/source.exr\nwrite matte out/matte.png\n"
+                   "write viewer out/viewer.png\nwrite summary out/summary.txt");
+    // The source written as EXR reads back as the plate it was.
+    ok("plate out/source.exr\nexpect plate == out/source.exr 640x360");
+    ok("expect pixel source 100 200 == " + [&] {
+        const CoRgbaColorTyped<float> c = session->getPlate()->getPixel(100, 200);
+        std::ostringstream s;
+        s << SessionArgs::format(c.r) << " " << SessionArgs::format(c.g) << " "
+          << SessionArgs::format(c.b) << " 1";
+        return s.str();
+    }());
+    EXPECT_EQ(run("expect score all < 1"),
+              "test.tss:1: there is no ground truth: the plate is not the demo plate");
+
+    std::string error;
+    const PiImagePtr matte = TsPlateIO::read(path("out/matte.png"), error);
+    ASSERT_TRUE(matte) << error;
+    EXPECT_EQ(matte->getWidth(), 640);
+    const QImage shot(QString::fromStdString(path("out/viewer.png")));
+    EXPECT_EQ(shot.width(), 480);
+    EXPECT_EQ(shot.height(), 270);
+
+    std::ifstream summary(path("out/summary.txt"));
+    std::stringstream text;
+    text << summary.rdbuf();
+    EXPECT_NE(text.str().find("plate:      demo (640 x 360)"), std::string::npos) << text.str();
+    EXPECT_NE(text.str().find("  edges    "), std::string::npos) << text.str();
+    EXPECT_NE(text.str().find("undo history: 1 steps done, 0 undone\n  1. keyColor1"),
+              std::string::npos)
+        << text.str();
+    EXPECT_NE(text.str().find("  viewer: " + path("out/viewer.png")), std::string::npos);
+    EXPECT_FALSE(std::filesystem::exists(path("out/summary.txt.part")));
+}
+
+TEST_F(KeyerImageScene, KeyingTheScreenColourBringsTheMatteCloseToTheTruth) {
+    ok("print score all");
+    const std::string unkeyed = takePrinted();
+    ok(keyColour + "\nexpect score outside < 0.05\nexpect score inside < 0.05\n"
+                   "expect score edge < 0.5\nprint score all");
+    const std::string keyed = takePrinted();
+    double before = 0.0;
+    double after = 0.0;
+    ASSERT_TRUE(SessionArgs::parseNumber(
+        unkeyed.substr(unkeyed.find("= ") + 2, unkeyed.size() - unkeyed.find("= ") - 3), before));
+    ASSERT_TRUE(SessionArgs::parseNumber(
+        keyed.substr(keyed.find("= ") + 2, keyed.size() - keyed.find("= ") - 3), after));
+    EXPECT_LT(after, before / 4) << unkeyed << keyed;
+}
+
+TEST_F(KeyerImageScene, AFileThatIsNoImageIsRefusedAndThePlateStays) {
+    {
+        std::ofstream junk(path("junk.exr"));
+        junk << "not an image";
+    }
+    const std::string error = run("plate junk.exr");
+    EXPECT_EQ(error.rfind("test.tss:1: cannot read plate \"" + path("junk.exr") + "\"", 0), 0u)
+        << error;
+    ok("expect plate == demo 640x360\nbackground none\nexpect background == none");
+    EXPECT_EQ(run("background demo\nplate out.exr\nbackground demo").rfind("test.tss:2:", 0), 0u);
+}
+
+} // namespace

@@ -1,0 +1,122 @@
+#include "common/sessionScript.h"
+#include "common/sessionArgs.h"
+#include "common/sessionInterpreter.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::vector<std::string> words(const std::string& line) {
+    SessionScript::Line out;
+    std::string error;
+    EXPECT_TRUE(SessionScript::split(line, out, error)) << error;
+    return out.words;
+}
+
+TEST(SessionScript, WordsQuotesEscapesAndComments) {
+    EXPECT_EQ(words("hotkey \"Sample Patch 1\"  # the first patch"),
+              (std::vector<std::string>{"hotkey", "Sample Patch 1"}));
+    EXPECT_EQ(words("echo \"a # inside\" b#c"),
+              (std::vector<std::string>{"echo", "a # inside", "b"}));
+    EXPECT_EQ(words("rename keyer1 \"say \\\"hi\\\" \\\\ back\""),
+              (std::vector<std::string>{"rename", "keyer1", "say \"hi\" \\ back"}));
+    EXPECT_EQ(words("set patchNames \"\" x"),
+              (std::vector<std::string>{"set", "patchNames", "", "x"}));
+    EXPECT_TRUE(words("   # only a comment").empty());
+}
+
+TEST(SessionScript, QuotingReadsBackToTheSameWord) {
+    for (const std::string w :
+         {"plain", "two words", "", "a\"quote", "back\\slash", "#hash", "Pick Key Colour 1"}) {
+        const auto back = words("x " + SessionScript::quote(w));
+        ASSERT_EQ(back.size(), 2u) << w;
+        EXPECT_EQ(back[1], w);
+    }
+    EXPECT_EQ(SessionScript::quote("plain"), "plain");
+}
+
+TEST(SessionScript, LinesKeepTheirNumbersAndAnOpenQuoteNamesItsLine) {
+    const SessionScript script =
+        SessionScript::parse("# header\n\nplate demo\n  \nundo 2 # twice\n", "s.tss");
+    ASSERT_EQ(script.getLines().size(), 2u);
+    EXPECT_EQ(script.getLines()[0].number, 3);
+    EXPECT_EQ(script.getLines()[1].number, 5);
+    EXPECT_EQ(script.getLines()[1].text, "undo 2");
+    try {
+        SessionScript::parse("plate demo\nhotkey \"Sample Matte\n", "bad.tss");
+        FAIL() << "an open quote was accepted";
+    } catch (const SessionError& e) {
+        EXPECT_EQ(e.getLine(), 2);
+        EXPECT_EQ(std::string(e.what()).rfind("bad.tss:2: the quote opened at column 8", 0), 0u)
+            << e.what();
+    }
+}
+
+TEST(SessionScript, AMissingFileIsAnErrorNamingIt) {
+    try {
+        SessionScript::read("/nonexistent/session.tss");
+        FAIL();
+    } catch (const SessionError& e) {
+        EXPECT_EQ(e.getSource(), "/nonexistent/session.tss");
+        EXPECT_EQ(e.getLine(), 0);
+    }
+}
+
+TEST(SessionArgs, NumbersAreDecimalsAndNothingElse) {
+    double v = 0.0;
+    for (const char* good : {"1", "-2.5e3", "+4", "0.125", ".5", "1E-2"}) {
+        EXPECT_TRUE(SessionArgs::parseNumber(good, v)) << good;
+    }
+    EXPECT_TRUE(SessionArgs::parseNumber("-2.5e3", v));
+    EXPECT_EQ(v, -2500.0);
+    for (const char* bad : {"", "nan", "inf", "-inf", "0x10", "1.5x", "1,5", "--1", "1e999"}) {
+        EXPECT_FALSE(SessionArgs::parseNumber(bad, v)) << bad;
+    }
+    // The shortest text reads back exactly.
+    for (double d : {0.1, 1.0 / 3.0, 1e-7, 123456.789}) {
+        ASSERT_TRUE(SessionArgs::parseNumber(SessionArgs::format(d), v));
+        EXPECT_EQ(v, d);
+    }
+    EXPECT_EQ(SessionArgs::format(0.5f), "0.5");
+}
+
+TEST(SessionArgs, ModifiersAndButtonsInAnyOrderAndNothingElse) {
+    const std::vector<std::string> w{"press", "shift", "right", "ctrl"};
+    const std::vector<bool> q(w.size(), false);
+    SessionArgs args(w, q);
+    unsigned m = 0;
+    EvButton b = EvButton::Left;
+    args.modifiersAndButton(m, &b);
+    EXPECT_EQ(m, EvKeyboardState::ShiftMask | EvKeyboardState::CtrlMask);
+    EXPECT_EQ(b, EvButton::Right);
+
+    const std::vector<std::string> bad{"move", "shift", "left"};
+    SessionArgs moveArgs(bad, q);
+    EXPECT_THROW(moveArgs.modifiersAndButton(m, nullptr), SessionArgs::Error);
+}
+
+TEST(SessionCompare, NumbersCompareAsNumbersAndTextAsWords) {
+    std::string why;
+    EXPECT_TRUE(
+        SessionInterpreter::compare("0.1 0.7 0.2", "==", {"0.1", "0.7000000001", "0.2"}, 0, why));
+    EXPECT_FALSE(SessionInterpreter::compare("0.1 0.7 0.2", "==", {"0.1", "0.71", "0.2"}, 0, why));
+    EXPECT_FALSE(SessionInterpreter::compare("0.1 0.7", "==", {"0.1", "0.7", "0"}, 0, why));
+    EXPECT_TRUE(SessionInterpreter::compare("Pick Key Colour 1",
+                                            "==", {"Pick", "Key", "Colour", "1"}, 0, why));
+    EXPECT_TRUE(SessionInterpreter::compare("\"Patch 1\" \"Patch 2\"", "==", {"Patch 1", "Patch 2"},
+                                            0, why));
+    EXPECT_TRUE(SessionInterpreter::compare("Set Key Colour", "!=", {"Set", "Spill"}, 0, why));
+    EXPECT_TRUE(SessionInterpreter::compare("0.52", "~", {"0.5"}, 0.05, why));
+    EXPECT_FALSE(SessionInterpreter::compare("0.52", "~", {"0.5"}, 0.01, why));
+    EXPECT_NE(why.find("apart"), std::string::npos);
+    EXPECT_TRUE(SessionInterpreter::compare("3", "<", {"4"}, 0, why));
+    EXPECT_FALSE(SessionInterpreter::compare("4", "<", {"4"}, 0, why));
+    EXPECT_TRUE(SessionInterpreter::compare("4", ">=", {"4"}, 0, why));
+    EXPECT_TRUE(
+        SessionInterpreter::compare("viewer: no handler", "contains", {"no", "handler"}, 0, why));
+    EXPECT_THROW(SessionInterpreter::compare("Sample Matte", "<", {"3"}, 0, why),
+                 SessionArgs::Error);
+    EXPECT_THROW(SessionInterpreter::compare("1 2", ">", {"1", "2"}, 0, why), SessionArgs::Error);
+}
+
+} // namespace

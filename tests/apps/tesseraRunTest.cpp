@@ -1,0 +1,113 @@
+// tessera-run as a process: exit statuses, errors naming the script's file
+// and line, outputs.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+struct Result {
+    std::string out;
+    int status = -1;
+};
+
+// Runs a shell command; standard output and error together.
+Result run(const std::string& command) {
+    Result r;
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    if (!pipe) {
+        return r;
+    }
+    std::array<char, 4096> buffer{};
+    while (std::fgets(buffer.data(), buffer.size(), pipe)) {
+        r.out += buffer.data();
+    }
+    const int status = pclose(pipe);
+    r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return r;
+}
+
+const std::string runner = std::string(TESSERA_BIN_DIR) + "/tessera-run";
+
+class TesseraRunScene : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = std::filesystem::temp_directory_path() /
+              ("tessera-run-" + std::to_string(::getpid()) + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(dir);
+        std::filesystem::create_directories(dir);
+    }
+    void TearDown() override { std::filesystem::remove_all(dir); }
+
+    std::string script(const std::string& name, const std::string& text) const {
+        const std::string p = (dir / name).string();
+        std::ofstream(p) << text;
+        return p;
+    }
+
+    std::filesystem::path dir;
+};
+
+TEST_F(TesseraRunScene, ABadScriptFailsWithItsFileAndLine) {
+    const std::string s =
+        script("bad.tss", "plate demo 64 36\n# a comment\nframe one\nset overall 0.2\n");
+    const Result r = run(runner + " --quiet " + s);
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.out.find("tessera-run: " + s + ":3: bad number \"one\" for frame"),
+              std::string::npos)
+        << r.out;
+
+    const std::string w = script("widget.tss", "plate demo 64 36\nwidget matte noSuchToggle toggle\n");
+    const Result unknownWidget = run(runner + " --quiet " + w);
+    EXPECT_EQ(unknownWidget.status, 1);
+    EXPECT_NE(unknownWidget.out.find(w + ":2: "), std::string::npos) << unknownWidget.out;
+
+    const std::string e = script("expect.tss", "set overall 0.25\nexpect input overall == 0.5\n");
+    const Result failed = run(runner + " --quiet " + e);
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_NE(failed.out.find(e + ":2: expected input overall == 0.5, but it is 0.25"),
+              std::string::npos)
+        << failed.out;
+}
+
+TEST_F(TesseraRunScene, UsageErrorsExitWithTwo) {
+    EXPECT_EQ(run(runner + " --frobnicate").status, 2);
+    EXPECT_EQ(run(runner + " a.tss b.tss").status, 2);
+    const Result missing = run(runner + " " + (dir / "none.tss").string());
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_NE(missing.out.find("none.tss: cannot read the session script"), std::string::npos)
+        << missing.out;
+    const Result help = run(runner + " --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("usage: tessera-run [SESSION]"), std::string::npos);
+}
+
+TEST_F(TesseraRunScene, FilesAreReadBesideTheScriptAndWrittenUnderTheOutputDirectory) {
+    std::filesystem::create_directories(dir / "in");
+    script("in/make.tss", "plate demo 64 36\nset overall 0.3\nsave setups/a.tessera\n"
+                          "write source plates/p.exr\n");
+    const Result made = run("cd " + dir.string() + " && " + runner + " --quiet in/make.tss --out in");
+    ASSERT_EQ(made.status, 0) << made.out;
+    ASSERT_TRUE(std::filesystem::exists(dir / "in/setups/a.tessera"));
+    script("in/use.tss", "plate plates/p.exr\nload setups/a.tessera\nexpect input overall == 0.3\n"
+                         "expect plate == plates/p.exr 64x36\nwrite matte m.exr\n");
+    const Result used = run("cd " + dir.string() + " && " + runner + " --quiet in/use.tss");
+    ASSERT_EQ(used.status, 0) << used.out;
+    EXPECT_TRUE(std::filesystem::exists(dir / "m.exr")) << "outputs go to the current directory";
+}
+
+TEST_F(TesseraRunScene, PrintGoesToStandardOutput) {
+    const std::string s = script("p.tss", "keyer nodes 2\nprint nodes\necho done\n");
+    const Result r = run(runner + " --quiet " + s);
+    EXPECT_EQ(r.status, 0);
+    EXPECT_NE(r.out.find("nodes = keyer1, keyer2\ndone\n"), std::string::npos) << r.out;
+}
+
+} // namespace

@@ -1,0 +1,127 @@
+// The driver and the interpreter's pointer and key commands, against tools
+// of the test's own on the session's viewer: what reaches a tool is what a
+// user's hand would send, at the plate points the script names.
+#include "sessionScene.h"
+#include "ui/viewerScene.h"
+
+#include "common/sessionArgs.h"
+
+#include <gfx/mfCurrentToolEventHandler.h>
+#include <gfx/mfToolset.h>
+#include <ui/uiHotkeyRegistry.h>
+
+#include <random>
+
+namespace {
+
+class DriverScene : public SessionScene {
+protected:
+    void SetUp() override {
+        SessionScene::SetUp();
+        ok("plate demo 64 48");
+        log = rcMake<LoggingTool>();
+        handler = rcMake<MfCurrentToolEventHandler>(rcMake<MfToolset>(session->getViewer()));
+        handler->appendTool("log", log);
+        session->getViewer().setEventHandler(handler);
+    }
+    void TearDown() override {
+        handler.reset();
+        SessionScene::TearDown();
+    }
+    // The window point of a plate point, rounded as the log writes it.
+    std::string at(float x, float y) const {
+        const GePoint2<float> w =
+            ViewerDriver::plateToWindow(session->getViewer().getView(), {x, y});
+        return std::to_string(std::lround(w.x)) + "," + std::to_string(std::lround(w.y));
+    }
+
+    RCShdPtr<LoggingTool> log;
+    RCShdPtr<MfCurrentToolEventHandler> handler;
+};
+
+TEST_F(DriverScene, PointerAndKeysArriveAtThePlatePointsWithTheirModifiers) {
+    ok("press 10 20 shift\nmove 12 22 shift\nrelease 12 22\nkey Escape ctrl");
+    ASSERT_EQ(log->log.size(), 5u);
+    EXPECT_EQ(log->log[0], "down " + at(10, 20));
+    EXPECT_EQ(log->log[1], "move " + at(12, 22));
+    EXPECT_EQ(log->log[2], "up " + at(12, 22));
+    EXPECT_EQ(log->log[3], "key down Escape " + at(12, 22)) << "keys go where the pointer is";
+    EXPECT_EQ(log->log[4], "key up Escape " + at(12, 22));
+    EXPECT_EQ(log->modifiers[0], EvKeyboardState::ShiftMask);
+    EXPECT_EQ(log->modifiers[2], 0u);
+    EXPECT_EQ(log->modifiers[3], EvKeyboardState::CtrlMask);
+}
+
+TEST_F(DriverScene, ADragIsAPressEvenMovesAndARelease) {
+    ok("drag 0 0 40 20 steps 4");
+    ASSERT_EQ(log->log.size(), 6u);
+    EXPECT_EQ(log->log[0], "down " + at(0, 0));
+    EXPECT_EQ(log->log[1], "move " + at(10, 5));
+    EXPECT_EQ(log->log[3], "move " + at(30, 15));
+    EXPECT_EQ(log->log[4], "move " + at(40, 20));
+    EXPECT_EQ(log->log[5], "up " + at(40, 20));
+}
+
+TEST_F(DriverScene, ScriptsDoNotDependOnTheWindowOrTheZoom) {
+    ok("window 200 100\nzoom 3\npan 30 20\npress 31 21\nrelease 31 21");
+    EXPECT_EQ(log->log[0], "down " + at(31, 21));
+    // The plate point at the window's centre is the one panned to.
+    ok("expect centre ~ 30 20 within 0.01\nexpect zoom == 3\nexpect window == 200 100");
+}
+
+TEST_F(DriverScene, AHotkeyGoesToTheViewerOnlyWhenItsHandlerTakesIt) {
+    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
+    const unsigned entry = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Sample Matte");
+    EXPECT_EQ(run("hotkey \"Sample Matte\""),
+              "test.tss:1: hotkey \"Sample Matte\" is not taken by the viewer (stage none)");
+    registry.addHotkeyHandler(entry, session->getViewer().getEventHandler());
+    ok("move 5 5\nhotkey \"Sample Matte\"");
+    ASSERT_EQ(log->log.size(), 2u);
+    EXPECT_EQ(log->log[1], "hotkey " + std::to_string(entry) + " " + at(5, 5));
+    // The key of its binding, typed, is the same hotkey (its release goes
+    // on as a key).
+    ok("key M");
+    ASSERT_EQ(log->log.size(), 4u);
+    EXPECT_EQ(log->log[2], "hotkey " + std::to_string(entry) + " " + at(5, 5));
+    EXPECT_EQ(log->log[3], "key up M " + at(5, 5));
+    registry.removeHotkeyHandler(entry, session->getViewer().getEventHandler());
+}
+
+TEST_F(DriverScene, AToolThatThrowsIsReportedAndTheRunGoesOn) {
+    log->throwOn = "down";
+    const std::size_t before = session->getReports().size();
+    ok("press 3 3\nrelease 3 3\nexpect report contains logging tool broke on down");
+    EXPECT_EQ(session->getReports().size(), before + 1);
+    EXPECT_EQ(log->log.back().substr(0, 2), "up");
+}
+
+TEST(ViewerDriver, APlatePointFromAWindowPointReplaysToThatWindowPoint) {
+    std::mt19937 random(7);
+    std::uniform_real_distribution<float> zoom(0.05f, 20.0f);
+    std::uniform_real_distribution<float> pan(-3000.0f, 3000.0f);
+    std::uniform_int_distribution<int> pixel(0, 3839);
+    std::size_t longest = 0;
+    for (int i = 0; i < 2000; ++i) {
+        const VwView view(1920, 1080, zoom(random), {pan(random), pan(random)});
+        const GePoint2<float> window{static_cast<float>(pixel(random)) + 0.5f * (i % 2),
+                                     static_cast<float>(pixel(random) % 1080)};
+        const GePoint2<double> plate = ViewerDriver::windowToPlate(view, window);
+        // Written and read back as a script would.
+        const std::string text = SessionArgs::format(plate.x) + " " + SessionArgs::format(plate.y);
+        double x = 0.0;
+        double y = 0.0;
+        ASSERT_TRUE(SessionArgs::parseNumber(text.substr(0, text.find(' ')), x));
+        ASSERT_TRUE(SessionArgs::parseNumber(text.substr(text.find(' ') + 1), y));
+        const GePoint2<float> back = ViewerDriver::plateToWindow(view, {x, y});
+        ASSERT_EQ(back.x, window.x) << i << " " << text;
+        ASSERT_EQ(back.y, window.y) << i << " " << text;
+        longest = std::max(longest, text.size());
+    }
+    EXPECT_LT(longest, 40u);
+    // With the digits they need: whole pixels at a zoom of 2 are halves.
+    const GePoint2<double> p =
+        ViewerDriver::windowToPlate(VwView(400, 300, 2.0f, {16, 280}), {101, 37});
+    EXPECT_EQ(SessionArgs::format(p.x) + " " + SessionArgs::format(p.y), "42.5 121.5");
+}
+
+} // namespace
