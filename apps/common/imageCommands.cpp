@@ -34,9 +34,9 @@ void addImageCommands(SessionInterpreter& interpreter, OutputWriter& writer) {
             if (!a.atEnd() && a.peek() != "seed") {
                 options.width = a.integer("plate width");
                 options.height = a.integer("plate height");
-                if (options.width < 16 || options.height < 16 || options.width > 8192 ||
+                if (options.width < 64 || options.height < 64 || options.width > 8192 ||
                     options.height > 8192) {
-                    throw SessionArgs::Error("a demo plate is 16 to 8192 pixels each way");
+                    throw SessionArgs::Error("a demo plate is 64 to 8192 pixels each way");
                 }
             }
             if (a.take("seed")) {

@@ -86,10 +86,20 @@ void SessionInterpreter::addCommand(const std::string& name, Command command) {
 
 std::string SessionInterpreter::inputPath(const std::string& path) const {
     const std::filesystem::path p(path);
-    if (p.is_absolute() || _options.inputDir.empty()) {
+    if (p.is_absolute()) {
         return path;
     }
-    return (std::filesystem::path(_options.inputDir) / p).string();
+    const std::filesystem::path beside =
+        _options.inputDir.empty() ? p : std::filesystem::path(_options.inputDir) / p;
+    std::error_code ec;
+    if (!std::filesystem::exists(beside, ec) && !_options.outputDir.empty()) {
+        // A file the session wrote itself.
+        const std::filesystem::path written = std::filesystem::path(_options.outputDir) / p;
+        if (std::filesystem::exists(written, ec)) {
+            return written.string();
+        }
+    }
+    return beside.string();
 }
 
 std::string SessionInterpreter::outputPath(const std::string& path) const {

@@ -27,7 +27,8 @@ class SessionArgs;
 // the studio, and the run goes on; scripts check them with `expect reports`.
 //
 // Relative paths of files read (plates, setups) are taken from the input
-// directory (the script's own), those of files written from the output
+// directory (the script's own), or the output directory when the file is not
+// there but the session wrote it; those of files written from the output
 // directory. Commands of other parts of the host (images, outputs, panels)
 // join through addCommand.
 class SessionInterpreter {
@@ -64,6 +65,7 @@ public:
     ViewerDriver& getDriver() { return _driver; }
     std::ostream& out() const;
 
+    // Where a file that a line names is read from, or written to.
     std::string inputPath(const std::string& path) const;
     // Makes the directories the file goes into.
     std::string outputPath(const std::string& path) const;

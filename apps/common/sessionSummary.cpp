@@ -64,7 +64,8 @@ std::string SessionSummary::text(const HostSession& session, const Outputs& outp
 
     const PiCommandStack& stack = session.getCommandStack();
     const std::vector<LiString> names = stack.getStepNames();
-    out << "undo history: " << stack.getUndoCount() << " steps done, " << stack.getRedoCount()
+    out << "undo history: " << stack.getUndoCount()
+        << (stack.getUndoCount() == 1 ? " step" : " steps") << " done, " << stack.getRedoCount()
         << " undone\n";
     for (std::size_t i = 0; i < names.size(); ++i) {
         out << "  " << (i + 1) << ". " << names[i]

@@ -126,7 +126,7 @@ TEST_F(KeyerImageScene, OutputsAreWrittenAndReadBack) {
     text << summary.rdbuf();
     EXPECT_NE(text.str().find("plate:      demo (640 x 360)"), std::string::npos) << text.str();
     EXPECT_NE(text.str().find("  edges    "), std::string::npos) << text.str();
-    EXPECT_NE(text.str().find("undo history: 1 steps done, 0 undone\n  1. keyColor1"),
+    EXPECT_NE(text.str().find("undo history: 1 step done, 0 undone\n  1. keyColor1"),
               std::string::npos)
         << text.str();
     EXPECT_NE(text.str().find("  viewer: " + path("out/viewer.png")), std::string::npos);

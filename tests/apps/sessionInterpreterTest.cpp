@@ -11,7 +11,7 @@ namespace {
 // --- errors name the script and the line
 
 TEST_F(SessionScene, ABadLineStopsTheRunNamingFileAndLine) {
-    EXPECT_EQ(run("plate demo 64 36\n\nbogus 1 2\nundo\n", "s.tss"),
+    EXPECT_EQ(run("plate demo 128 72\n\nbogus 1 2\nundo\n", "s.tss"),
               "s.tss:3: unknown command \"bogus\"");
     EXPECT_EQ(run("frame 1.5x", "s.tss"), "s.tss:1: bad number \"1.5x\" for frame");
     EXPECT_EQ(run("press 10", "s.tss"), "s.tss:1: missing point y");
@@ -39,7 +39,7 @@ TEST_F(SessionScene, ABadLineStopsTheRunNamingFileAndLine) {
               "test.tss:1: cannot write image \"" + path("out.tif") +
                   "\": unsupported extension \".tif\" (images are written as .exr or .png)");
     // Nothing of this left the session in a broken state.
-    ok("plate demo 64 36\nset overall 0.25\nexpect input overall == 0.25");
+    ok("plate demo 128 72\nset overall 0.25\nexpect input overall == 0.25");
 }
 
 TEST_F(SessionScene, AFailedExpectationSaysWhatItFound) {

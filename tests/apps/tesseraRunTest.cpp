@@ -57,14 +57,15 @@ protected:
 
 TEST_F(TesseraRunScene, ABadScriptFailsWithItsFileAndLine) {
     const std::string s =
-        script("bad.tss", "plate demo 64 36\n# a comment\nframe one\nset overall 0.2\n");
+        script("bad.tss", "plate demo 128 72\n# a comment\nframe one\nset overall 0.2\n");
     const Result r = run(runner + " --quiet " + s);
     EXPECT_EQ(r.status, 1);
     EXPECT_NE(r.out.find("tessera-run: " + s + ":3: bad number \"one\" for frame"),
               std::string::npos)
         << r.out;
 
-    const std::string w = script("widget.tss", "plate demo 64 36\nwidget matte noSuchToggle toggle\n");
+    const std::string w =
+        script("widget.tss", "plate demo 128 72\nwidget matte noSuchToggle toggle\n");
     const Result unknownWidget = run(runner + " --quiet " + w);
     EXPECT_EQ(unknownWidget.status, 1);
     EXPECT_NE(unknownWidget.out.find(w + ":2: "), std::string::npos) << unknownWidget.out;
@@ -91,13 +92,14 @@ TEST_F(TesseraRunScene, UsageErrorsExitWithTwo) {
 
 TEST_F(TesseraRunScene, FilesAreReadBesideTheScriptAndWrittenUnderTheOutputDirectory) {
     std::filesystem::create_directories(dir / "in");
-    script("in/make.tss", "plate demo 64 36\nset overall 0.3\nsave setups/a.tessera\n"
+    script("in/make.tss", "plate demo 128 72\nset overall 0.3\nsave setups/a.tessera\n"
                           "write source plates/p.exr\n");
-    const Result made = run("cd " + dir.string() + " && " + runner + " --quiet in/make.tss --out in");
+    const Result made =
+        run("cd " + dir.string() + " && " + runner + " --quiet in/make.tss --out in");
     ASSERT_EQ(made.status, 0) << made.out;
     ASSERT_TRUE(std::filesystem::exists(dir / "in/setups/a.tessera"));
     script("in/use.tss", "plate plates/p.exr\nload setups/a.tessera\nexpect input overall == 0.3\n"
-                         "expect plate == plates/p.exr 64x36\nwrite matte m.exr\n");
+                         "expect plate == plates/p.exr 128x72\nwrite matte m.exr\n");
     const Result used = run("cd " + dir.string() + " && " + runner + " --quiet in/use.tss");
     ASSERT_EQ(used.status, 0) << used.out;
     EXPECT_TRUE(std::filesystem::exists(dir / "m.exr")) << "outputs go to the current directory";

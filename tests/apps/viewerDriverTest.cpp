@@ -18,7 +18,7 @@ class DriverScene : public SessionScene {
 protected:
     void SetUp() override {
         SessionScene::SetUp();
-        ok("plate demo 64 48");
+        ok("plate demo 64 64");
         log = rcMake<LoggingTool>();
         handler = rcMake<MfCurrentToolEventHandler>(rcMake<MfToolset>(session->getViewer()));
         handler->appendTool("log", log);
