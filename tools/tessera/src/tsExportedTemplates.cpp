@@ -4,6 +4,8 @@
 
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
+#include <base/evEvent.h>
+#include <base/prdPredicate.h>
 #include <base/rcBasePtr.h>
 #include <base/rcShdPtr.h>
 #include <tessera/tsMgTypes.h>
@@ -22,3 +24,13 @@ template class RCBasePtr<TsMgInputValues>;
 template class RCBasePtr<const TsMgInputValues>;
 template class RCShdPtr<TsMgInputValues>;
 template class RCShdPtr<const TsMgInputValues>;
+
+// Event predicates of the viewer tools, with their implementation nodes.
+template class PrdPredicate<EvEvent>;
+template class PrdPredicateImp<EvEvent>;
+template class PrdCompositePredicateImp<EvEvent>;
+template class PrdAndPredicateImp<EvEvent>;
+template class PrdOrPredicateImp<EvEvent>;
+template class PrdNotPredicateImp<EvEvent>;
+template class PrdAllPredicateImp<EvEvent>;
+template class PrdFunctorPredicateImp<EvEvent>;
