@@ -1,4 +1,5 @@
 #include "tesseraUiZnmoduleInit.h"
+#include "tsImgPickKeyColorsTool.h"
 
 #include <base/inBuildInfoUtil.h>
 #include <base/inInit.h>
@@ -32,6 +33,7 @@ public:
 bool moduleFlag = false;
 
 const TsModuleInitialiser initialisers[] = {
+    {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {nullptr, nullptr, nullptr},
 };
 
