@@ -1,5 +1,6 @@
 #include "tesseraUiZnmoduleInit.h"
 #include "tsImgPickKeyColorsTool.h"
+#include "tsMgSampleMatteTool.h"
 
 #include <base/inBuildInfoUtil.h>
 #include <base/inInit.h>
@@ -33,6 +34,7 @@ public:
 bool moduleFlag = false;
 
 const TsModuleInitialiser initialisers[] = {
+    {"tsMgSampleMatteTool", tsMgSampleMatteToolInitialise, tsMgSampleMatteToolFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {nullptr, nullptr, nullptr},
 };
