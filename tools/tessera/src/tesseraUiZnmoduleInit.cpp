@@ -1,4 +1,5 @@
 #include "tesseraUiZnmoduleInit.h"
+#include "tsAddSampleTool.h"
 #include "tsImgPickKeyColorsTool.h"
 #include "tsMgSampleMatteTool.h"
 
@@ -34,6 +35,7 @@ public:
 bool moduleFlag = false;
 
 const TsModuleInitialiser initialisers[] = {
+    {"tsAddSampleTool", tsAddSampleToolInitialise, tsAddSampleToolFinalise},
     {"tsMgSampleMatteTool", tsMgSampleMatteToolInitialise, tsMgSampleMatteToolFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {nullptr, nullptr, nullptr},
