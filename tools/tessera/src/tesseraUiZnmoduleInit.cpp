@@ -2,6 +2,7 @@
 #include "tsAddSampleTool.h"
 #include "tsImgPickKeyColorsTool.h"
 #include "tsMgSampleMatteTool.h"
+#include "tsMgSamplePatchTool.h"
 
 #include <base/inBuildInfoUtil.h>
 #include <base/inInit.h>
@@ -37,6 +38,7 @@ bool moduleFlag = false;
 const TsModuleInitialiser initialisers[] = {
     {"tsAddSampleTool", tsAddSampleToolInitialise, tsAddSampleToolFinalise},
     {"tsMgSampleMatteTool", tsMgSampleMatteToolInitialise, tsMgSampleMatteToolFinalise},
+    {"tsMgSamplePatchTool", tsMgSamplePatchToolInitialise, tsMgSamplePatchToolFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {nullptr, nullptr, nullptr},
 };
