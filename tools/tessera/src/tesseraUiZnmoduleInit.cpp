@@ -1,6 +1,7 @@
 #include "tesseraUiZnmoduleInit.h"
 #include "tsAddSampleTool.h"
 #include "tsImgPickKeyColorsTool.h"
+#include "tsMgEventHandler.h"
 #include "tsMgSampleMatteTool.h"
 #include "tsMgSamplePatchTool.h"
 
@@ -39,6 +40,7 @@ const TsModuleInitialiser initialisers[] = {
     {"tsAddSampleTool", tsAddSampleToolInitialise, tsAddSampleToolFinalise},
     {"tsMgSampleMatteTool", tsMgSampleMatteToolInitialise, tsMgSampleMatteToolFinalise},
     {"tsMgSamplePatchTool", tsMgSamplePatchToolInitialise, tsMgSamplePatchToolFinalise},
+    {"tsMgEventHandler", tsMgEventHandlerInitialise, tsMgEventHandlerFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {nullptr, nullptr, nullptr},
 };
