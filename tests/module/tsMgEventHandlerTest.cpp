@@ -1,0 +1,133 @@
+#include "tsMgEventHandler.h"
+#include "mgScene.h"
+#include "tesseraUiZnmoduleInit.h"
+
+#include <base/exBase.h>
+#include <gfx/mfToolset.h>
+#include <ui/uiHotkeyRegistry.h>
+
+namespace {
+
+unsigned hotkeyEntry(const std::string& name) {
+    return UiHotkeyRegistry::getInstance().findEntry(UiHotkeyRegistry::TesseraDomain, name);
+}
+
+// The scene with the node given three patches, the first current.
+class MatteHandler : public MgScene {
+protected:
+    void SetUp() override {
+        MgScene::SetUp();
+        for (int i = 0; i < 3; ++i) {
+            mg->createPatch();
+        }
+        mg->makePatchCurrent(0);
+        stack().clear();
+    }
+
+    // A hotkey as the viewer widget's handler passes it on.
+    bool hotkey(const std::string& name) {
+        EvHotkeyEvent event(at(blockCentre(Key)), EvKeyboardState(), hotkeyEntry(name));
+        return viewer.deliver(event);
+    }
+};
+
+TEST_F(MatteHandler, HoldsTheStageToolsInTheirOrderTheFirstCurrent) {
+    const std::vector<std::string> expected{
+        TsMgTool::getManipToolName(0), TsMgTool::getManipToolName(1), TsMgTool::getManipToolName(3),
+        TsMgTool::getManipToolName(2)};
+    EXPECT_EQ(handler().getToolset()->getToolNames(), expected);
+    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(0));
+}
+
+TEST_F(MatteHandler, TheSampleMatteHotkeyMakesTheSampleMatteToolCurrent) {
+    for (int from : {0, 1, 3}) {
+        useTool(from);
+        EvHotkeyEvent event(at(blockCentre(Key)), EvKeyboardState(), hotkeyEntry("Sample Matte"));
+        EXPECT_TRUE(viewer.deliver(event));
+        EXPECT_TRUE(event.isProcessed());
+        EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2)) << "from tool " << from;
+    }
+}
+
+TEST_F(MatteHandler, KeysBoundToTheHotkeysReachTheHandlerThroughTheViewerWidget) {
+    pressKey(Qt::Key_M);
+    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2));
+    pressKey(Qt::Key_3);
+    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(3));
+    EXPECT_EQ(mg->getCurrentPatch(), 2);
+}
+
+TEST_F(MatteHandler, APatchHotkeyMakesItsPatchCurrentThenTheSamplePatchTool) {
+    useTool(2);
+    EXPECT_TRUE(hotkey("Sample Patch 2"));
+    EXPECT_EQ(mg->getCurrentPatch(), 1);
+    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(3));
+    // The tool now samples the patch chosen.
+    click(blockCentre(Foreground), Shift);
+    EXPECT_NE(mg->getPatchModeInput(1)->getTypedValue<int>(0.0), 0);
+    EXPECT_EQ(mg->getPatchModeInput(0)->getTypedValue<int>(0.0), 0);
+
+    EXPECT_TRUE(hotkey("Sample Patch 3")); // the last patch there is
+    EXPECT_EQ(mg->getCurrentPatch(), 2);
+}
+
+TEST_F(MatteHandler, APatchHotkeyBeyondThePatchesIsLeftToTheCurrentTool) {
+    useTool(2);
+    for (const char* name : {"Sample Patch 4", "Sample Patch 9"}) {
+        EXPECT_FALSE(hotkey(name)) << name;
+        EXPECT_EQ(mg->getCurrentPatch(), 0);
+        EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2));
+    }
+    EXPECT_EQ(stack().getStepCount(), 0);
+}
+
+TEST_F(MatteHandler, TheHandlerLeavesTheHotkeysWhenItGoes) {
+    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
+    const unsigned matte = hotkeyEntry("Sample Matte");
+    const unsigned patch9 = hotkeyEntry("Sample Patch 9");
+    EXPECT_TRUE(registry.isRegistered(matte, viewer.getEventHandler()));
+    EXPECT_TRUE(registry.isRegistered(patch9, viewer.getEventHandler()));
+    viewer.handler.reset();
+    EXPECT_FALSE(registry.isRegistered(matte, viewer.getEventHandler()));
+    EXPECT_FALSE(registry.isRegistered(patch9, viewer.getEventHandler()));
+}
+
+TEST_F(MatteHandler, OnlyAKeyerNodeGetsAHandler) {
+    auto plain = rcMake<PiNode>("plain");
+    graph->getRoot()->addNode(plain);
+    EXPECT_THROW(tsMgEventHandlerFactory(viewer, plain, rcMake<PiPath>(plain)), ExCastFailed);
+    EXPECT_THROW(tsMgEventHandlerFactory(viewer, RCShdPtr<PiNode>(), viewer.path), ExNullPtr);
+}
+
+TEST(MatteToolsStartUp, RegistersTheFactoryAndTheUndoNamesInTableOrder) {
+    EXPECT_EQ(TsMgInterface::getEhFactory(), &tsMgEventHandlerFactory);
+
+    int count = 0;
+    const TsModuleInitialiser* table = tsModuleInitialisers(count);
+    std::vector<std::string> ours;
+    for (int i = 0; i < count; ++i) {
+        const std::string source = table[i].source;
+        if (source == "tsAddSampleTool" || source == "tsMgSampleMatteTool" ||
+            source == "tsMgSamplePatchTool" || source == "tsMgEventHandler" ||
+            source == "tsImgPickKeyColorsTool") {
+            ours.push_back(source);
+        }
+    }
+    EXPECT_EQ(ours, (std::vector<std::string>{"tsAddSampleTool", "tsMgSampleMatteTool",
+                                              "tsMgSamplePatchTool", "tsMgEventHandler",
+                                              "tsImgPickKeyColorsTool"}));
+    ASSERT_GE(count, 1);
+    EXPECT_STREQ(table[0].source, "tsAddSampleTool");
+
+    std::vector<std::string> ids;
+    for (const std::string& id : MsgServer::getInstance().getRegisteredIds()) {
+        if (id == "MSG_TS_SET_MATTE_SAMPLE" || id == "MSG_TS_SET_PATCH_SAMPLE" ||
+            id == "MSG_TS_SET_KEY_COLOR") {
+            ids.push_back(id);
+        }
+    }
+    EXPECT_EQ(ids, (std::vector<std::string>{"MSG_TS_SET_MATTE_SAMPLE", "MSG_TS_SET_PATCH_SAMPLE",
+                                             "MSG_TS_SET_KEY_COLOR"}));
+}
+
+} // namespace
