@@ -18,8 +18,10 @@
 //   6 Shadow      ( 0,    0,   -0.13)
 //   7 Hue minus   ( 0.2, -0.07, 0  )
 //
-// One plate pixel is ten window pixels; world (0, 0) shows at window
-// (50, 250).
+// The viewer is the host's viewer widget, shown (offscreen), in the keyer's
+// "matte" stage: its handler is the one the module's registered factory
+// made. One plate pixel is ten window pixels; world (0, 0) shows at window
+// (50, 250). Gestures go through the widget as window-system events.
 
 #include <base/exReporter.h>
 #include <base/rcCast.h>
@@ -43,73 +45,21 @@
 #include <tessera/tsMgTool.h>
 #include <tesseraUtil/tsMgUtils.h>
 #include <ui/uiApplication.h>
+#include <ui/uiViewer.h>
 #include <ui/uiWidget.h>
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QWidget>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <string>
 #include <vector>
-
-// A viewer widget without a window of its own: the PiViewer of the tools and
-// the UiWidget whose handler the hotkeys are registered on; what that handler
-// receives goes to the viewer's current event handler.
-class MgViewer : public QWidget, public PiViewer, public UiWidget {
-public:
-    MgViewer()
-        : QWidget(nullptr)
-        , UiWidget(this, "viewer")
-        , view(1000, 400) {
-        setFocusPolicy(Qt::StrongFocus);
-    }
-
-    const VwView& getView() const override { return view; }
-    void redraw() override { ++redraws; }
-    const TmTimeClient* getTimeClient() const override { return &time; }
-    RCShdPtr<PiNode> getNode() const override { return node; }
-    RCShdPtr<PiPath> getPath() const override { return path; }
-    PiCommandStack* getCommandStack() const override {
-        return node ? node->getCommandStack() : nullptr;
-    }
-    RCShdPtr<PiEventHandler> getCurrentEventHandler() const override { return handler; }
-    GePoint2<float> getPointerPosition() const override { return {0.0f, 0.0f}; }
-
-    // Delivers an event as the host does; answers whether it was used.
-    bool deliver(EvEvent& event) {
-        const PiEventContext context(*this, event);
-        return MfEventHandlerUtil::deliver(*handler, context);
-    }
-
-    // Both drawing passes of the handler, recorded.
-    const WsRecordingPainter& paint() {
-        painter.clear();
-        view.setPainter(&painter);
-        MfEventHandlerUtil::draw(*handler,
-                                 GeRectangle<int>(0, view.getWidth(), 0, view.getHeight()), view);
-        view.setPainter(nullptr);
-        return painter;
-    }
-
-    VwView view;
-    TmTimeClient time;
-    RCShdPtr<PiNode> node;
-    RCShdPtr<PiPath> path;
-    RCShdPtr<PiEventHandler> handler;
-    WsRecordingPainter painter;
-    int redraws = 0;
-
-protected:
-    void handleEvent(EvEvent& event) override {
-        if (handler) {
-            deliver(event);
-        }
-    }
-};
 
 enum Block { Key, Foreground, DeepA, DeepB, Edge, Highlight, Shadow, HueMinus, BlockCount };
 
@@ -198,17 +148,22 @@ protected:
         setParam(TsMgTypes::EdgeSoftness, 0.5);
         stack().clear();
 
-        viewer.node = node;
-        viewer.path = rcMake<PiPath>(node);
-        viewer.view.setZoom(10.0f);
-        viewer.view.setPan({50.0f, 250.0f});
-        viewer.handler = RCShdPtr<PiEventHandler>(
-            TsMgInterface::createEventHandler(viewer, viewer.node, viewer.path));
-        ASSERT_TRUE(viewer.handler);
+        viewer = std::make_unique<UiViewer>(nullptr, "matte viewer");
+        viewer->resize(1000, 400);
+        viewer->show();
+        viewer->setNode(node);
+        ASSERT_EQ(viewer->getStage(), "matte");
+        ASSERT_TRUE(viewer->getCurrentEventHandler());
+        viewer->getMutableView().setZoom(10.0f);
+        viewer->getMutableView().setPan({50.0f, 250.0f});
     }
 
     void TearDown() override {
-        viewer.handler.reset();
+        viewer.reset();
+        // Nothing went wrong on the way: the host reports what it contains.
+        for (const auto& r : ExReporter::getInstance().getReports()) {
+            ADD_FAILURE() << r.text();
+        }
         ExReporter::getInstance().clear();
     }
 
@@ -262,7 +217,7 @@ protected:
         return {10.0f * static_cast<float>(b) + 10.0f, 5.0f};
     }
     GePoint2<float> at(const GePoint2<float>& world) const {
-        return VwUtils::worldToWindowOrtho(viewer.view, world);
+        return VwUtils::worldToWindowOrtho(viewer->getView(), world);
     }
 
     // Paints the plate pixels [x0, x1) x [y0, y1) in one colour (a new plate,
@@ -280,51 +235,78 @@ protected:
 
     PiCommandStack& stack() { return graph->getCommandStack(); }
     MfCurrentToolEventHandler& handler() {
-        return refCast<MfCurrentToolEventHandler>(*viewer.handler);
+        return refCast<MfCurrentToolEventHandler>(*viewer->getCurrentEventHandler());
     }
     std::string currentTool() { return handler().getCurrentTool(); }
     void useTool(int index) { handler().setCurrentTool(TsMgTool::getManipToolName(index)); }
 
+    // The viewer's frame (0 before there is a viewer).
+    double now() const { return viewer ? viewer->getTime().getTime() : 0.0; }
     void setParam(TsMgTypes::MatteParam p, double v) {
-        mg->getMatteParamInput(p)->setValue(viewer.time.getTime(), PiValue(v));
+        mg->getMatteParamInput(p)->setValue(now(), PiValue(v));
     }
     double param(TsMgTypes::MatteParam p) {
-        return mg->getMatteParamInput(p)->getTypedValue<double>(viewer.time.getTime());
+        return mg->getMatteParamInput(p)->getTypedValue<double>(now());
     }
     void setKeyColours(const CoRgbColorTyped<float>& k1, const CoRgbColorTyped<float>& k2) {
         mg->getKeyColorInput(TsTypes::KeyColor1)->setValue(0.0, PiValue(k1));
         mg->getKeyColorInput(TsTypes::KeyColor2)->setValue(0.0, PiValue(k2));
     }
     CoRgbColorTyped<float> keyColour(TsTypes::KeyColor k) {
-        return mg->getKeyColorInput(k)->getTypedValue<CoRgbColorTyped<float>>(
-            viewer.time.getTime());
+        return mg->getKeyColorInput(k)->getTypedValue<CoRgbColorTyped<float>>(now());
     }
 
-    // Pointer gestures at world points.
-    bool click(const GePoint2<float>& world, unsigned modifiers = 0) {
-        auto down = press(at(world), modifiers);
-        const bool used = viewer.deliver(down);
-        auto up = release(at(world), modifiers);
-        viewer.deliver(up);
-        return used;
+    // Pointer gestures at world points, through the widget.
+    void mouse(QEvent::Type type, const GePoint2<float>& world, unsigned modifiers) {
+        const GePoint2<float> p = at(world);
+        const QPointF local(p.x, p.y);
+        Qt::KeyboardModifiers qt;
+        if (modifiers & EvKeyboardState::ShiftMask) {
+            qt |= Qt::ShiftModifier;
+        }
+        if (modifiers & EvKeyboardState::CtrlMask) {
+            qt |= Qt::ControlModifier;
+        }
+        if (modifiers & EvKeyboardState::AltMask) {
+            qt |= Qt::AltModifier;
+        }
+        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease
+                                          ? Qt::MouseButtons()
+                                          : Qt::MouseButtons(Qt::LeftButton);
+        QMouseEvent event(type, local, viewer->mapToGlobal(local), button, held, qt);
+        QCoreApplication::sendEvent(viewer.get(), &event);
+    }
+    void click(const GePoint2<float>& world, unsigned modifiers = 0) {
+        mouse(QEvent::MouseButtonPress, world, modifiers);
+        mouse(QEvent::MouseButtonRelease, world, modifiers);
     }
     void drag(const GePoint2<float>& from, const GePoint2<float>& to, unsigned modifiers = 0,
               int steps = 4) {
-        auto down = press(at(from), modifiers);
-        viewer.deliver(down);
+        mouse(QEvent::MouseButtonPress, from, modifiers);
         for (int s = 1; s <= steps; ++s) {
             const float t = static_cast<float>(s) / static_cast<float>(steps);
-            auto m =
-                move(at({from.x + t * (to.x - from.x), from.y + t * (to.y - from.y)}), modifiers);
-            viewer.deliver(m);
+            mouse(QEvent::MouseMove, {from.x + t * (to.x - from.x), from.y + t * (to.y - from.y)},
+                  modifiers);
         }
-        auto up = release(at(to), modifiers);
-        viewer.deliver(up);
+        mouse(QEvent::MouseButtonRelease, to, modifiers);
     }
+    // An event handed to the viewer's handler as the widget does; answers
+    // whether it was used.
+    bool deliver(EvEvent& event) { return viewer->deliver(event); }
+    bool deliver(EvEvent&& event) { return viewer->deliver(event); }
+    // A click as events handed straight to the handler; answers whether the
+    // press was used.
+    bool clickEvents(const GePoint2<float>& world, unsigned modifiers = 0) {
+        const bool used = deliver(press(at(world), modifiers));
+        deliver(release(at(world), modifiers));
+        return used;
+    }
+    const WsRecordingPainter& paint() { return viewer->getDisplayList(); }
     // A key press in the viewer widget, as the window system sends it.
     void pressKey(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QKeyEvent event(QEvent::KeyPress, key, modifiers);
-        QCoreApplication::sendEvent(&viewer, &event);
+        QCoreApplication::sendEvent(viewer.get(), &event);
     }
 
     // Every input's state, to compare a node with itself later.
@@ -341,5 +323,5 @@ protected:
     RCShdPtr<TsKeyerNode> node;
     RCShdPtr<TsMgInterface> mg;
     RCShdPtr<PiImage> plate;
-    MgViewer viewer;
+    std::unique_ptr<UiViewer> viewer;
 };

@@ -55,7 +55,7 @@ TEST_F(MatteSession, EveryStepIsNamedAndUndoingThemAllRestoresTheNode) {
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Edge Softness"});
     const GePoint2<float> point = at(blockCentre(Foreground));
     drag({blockCentre(Foreground)},
-         VwUtils::windowToWorldOrtho(viewer.view, {point.x + 120.0f, point.y}));
+         VwUtils::windowToWorldOrtho(viewer->getView(), {point.x + 120.0f, point.y}));
     EXPECT_NEAR(param(TsMgTypes::EdgeSoftness), 0.8, 1e-6);
 
     // Two patches: the first replaced then grown, the second likewise.

@@ -27,7 +27,7 @@ protected:
     // A hotkey as the viewer widget's handler passes it on.
     bool hotkey(const std::string& name) {
         EvHotkeyEvent event(at(blockCentre(Key)), EvKeyboardState(), hotkeyEntry(name));
-        return viewer.deliver(event);
+        return deliver(event);
     }
 };
 
@@ -43,7 +43,7 @@ TEST_F(MatteHandler, TheSampleMatteHotkeyMakesTheSampleMatteToolCurrent) {
     for (int from : {0, 1, 3}) {
         useTool(from);
         EvHotkeyEvent event(at(blockCentre(Key)), EvKeyboardState(), hotkeyEntry("Sample Matte"));
-        EXPECT_TRUE(viewer.deliver(event));
+        EXPECT_TRUE(deliver(event));
         EXPECT_TRUE(event.isProcessed());
         EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2)) << "from tool " << from;
     }
@@ -85,18 +85,19 @@ TEST_F(MatteHandler, TheHandlerLeavesTheHotkeysWhenItGoes) {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
     const unsigned matte = hotkeyEntry("Sample Matte");
     const unsigned patch9 = hotkeyEntry("Sample Patch 9");
-    EXPECT_TRUE(registry.isRegistered(matte, viewer.getEventHandler()));
-    EXPECT_TRUE(registry.isRegistered(patch9, viewer.getEventHandler()));
-    viewer.handler.reset();
-    EXPECT_FALSE(registry.isRegistered(matte, viewer.getEventHandler()));
-    EXPECT_FALSE(registry.isRegistered(patch9, viewer.getEventHandler()));
+    EXPECT_TRUE(registry.isRegistered(matte, viewer->getEventHandler()));
+    EXPECT_TRUE(registry.isRegistered(patch9, viewer->getEventHandler()));
+    viewer->setNode(RCShdPtr<PiNode>());
+    EXPECT_FALSE(registry.isRegistered(matte, viewer->getEventHandler()));
+    EXPECT_FALSE(registry.isRegistered(patch9, viewer->getEventHandler()));
 }
 
 TEST_F(MatteHandler, OnlyAKeyerNodeGetsAHandler) {
     auto plain = rcMake<PiNode>("plain");
     graph->getRoot()->addNode(plain);
-    EXPECT_THROW(tsMgEventHandlerFactory(viewer, plain, rcMake<PiPath>(plain)), ExCastFailed);
-    EXPECT_THROW(tsMgEventHandlerFactory(viewer, RCShdPtr<PiNode>(), viewer.path), ExNullPtr);
+    EXPECT_THROW(tsMgEventHandlerFactory(*viewer, plain, rcMake<PiPath>(plain)), ExCastFailed);
+    EXPECT_THROW(tsMgEventHandlerFactory(*viewer, RCShdPtr<PiNode>(), viewer->getPath()),
+                 ExNullPtr);
 }
 
 TEST(MatteToolsStartUp, RegistersTheFactoryAndTheUndoNamesInTableOrder) {

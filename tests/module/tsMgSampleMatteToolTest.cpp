@@ -42,14 +42,14 @@ protected:
     }
     // Whether the viewer shows the bar's name (the column is drawn).
     bool drawn(TsMgTypes::MatteParam p) {
-        return viewer.paint().findText(TsMgTool::getMatteParamName(p)) != nullptr;
+        return paint().findText(TsMgTool::getMatteParamName(p)) != nullptr;
     }
-    bool columnDrawn() { return !viewer.paint().isEmpty(); }
+    bool columnDrawn() { return !paint().isEmpty(); }
 
     // The window point of a bar's value: the bar's x extent [-200, 200]
     // window pixels around the sample point spans the parameter's [0, 1].
     GePoint2<float> barPoint(TsMgTypes::MatteParam p, float value) {
-        const GeAffineMatrix3<float> toWindow = bar(p).getLocalToWindow(viewer.view);
+        const GeAffineMatrix3<float> toWindow = bar(p).getLocalToWindow(viewer->getView());
         return toWindow.transformPoint({value * 400.0f - 200.0f, 0.0f});
     }
 };
@@ -62,7 +62,7 @@ TEST_F(SampleMatte, TheScreenInsideTheCoreRaisesOverallOnly) {
     // "Overall" 0.5 puts the end of the core 0.15 beyond the key colour: the
     // screen lies 0.15 inside it.
     setParam(P::Overall, 0.5);
-    EXPECT_TRUE(click(blockCentre(Key)));
+    EXPECT_TRUE(clickEvents(blockCentre(Key)));
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Overall"});
     EXPECT_TRUE(drawn(P::Overall));
     EXPECT_FALSE(drawn(P::EdgeSoftness));
@@ -82,7 +82,8 @@ TEST_F(SampleMatte, TheForegroundShowsTheEdgeSoftnessAtThePoint) {
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Edge Softness"});
     // The top bar hangs at the point; the hidden ones below it, 30 apart.
     const GePoint2<float> point = at(blockCentre(Foreground));
-    const GeAffineMatrix3<float> toWindow = bar(P::EdgeSoftness).getLocalToWindow(viewer.view);
+    const GeAffineMatrix3<float> toWindow =
+        bar(P::EdgeSoftness).getLocalToWindow(viewer->getView());
     EXPECT_FLOAT_EQ(toWindow.transformPoint({0.0f, 0.0f}).x, point.x);
     EXPECT_FLOAT_EQ(toWindow.transformPoint({0.0f, 0.0f}).y, point.y);
     std::vector<float> offsets;
@@ -151,10 +152,10 @@ TEST_F(SampleMatte, ABarShowsItsParameterAndFollowsChangesMadeElsewhere) {
     EXPECT_FLOAT_EQ(bar(P::EdgeSoftness).getValue(), -100.0f);
     EXPECT_FLOAT_EQ(bar(P::Overall).getValue(), -200.0f);
 
-    const int redraws = viewer.redraws;
+    const int redraws = viewer->getRedrawCount();
     setParam(P::EdgeSoftness, 1.0);
     EXPECT_FLOAT_EQ(bar(P::EdgeSoftness).getValue(), 200.0f);
-    EXPECT_GT(viewer.redraws, redraws);
+    EXPECT_GT(viewer->getRedrawCount(), redraws);
     // The key blend has no bar; a change of it moves nothing.
     setParam(P::KeyBlend, 0.5);
     EXPECT_FLOAT_EQ(bar(P::EdgeSoftness).getValue(), 200.0f);
@@ -165,14 +166,14 @@ TEST_F(SampleMatte, DraggingABarIsOneNamedStepThatUndoesAndMovesTheBarBack) {
     ASSERT_EQ(stack().getUndoCount(), 0); // sampling changes nothing
     const GePoint2<float> from = barPoint(P::EdgeSoftness, 0.5f);
     auto down = press(from);
-    EXPECT_TRUE(viewer.deliver(down));
+    EXPECT_TRUE(deliver(down));
     for (float v : {0.6f, 0.7f, 0.8f}) {
         auto m = move(barPoint(P::EdgeSoftness, v));
-        viewer.deliver(m);
+        deliver(m);
         EXPECT_NEAR(param(P::EdgeSoftness), v, 1e-5);
     }
     auto up = release(barPoint(P::EdgeSoftness, 0.8f));
-    viewer.deliver(up);
+    deliver(up);
     ASSERT_EQ(stack().getUndoCount(), 1);
     EXPECT_EQ(stack().getUndoName(), catalogueText("MSG_TS_SET_MATTE_SAMPLE"));
     EXPECT_NE(stack().getUndoName(), "MSG_TS_SET_MATTE_SAMPLE");
@@ -189,25 +190,26 @@ TEST_F(SampleMatte, ADraggedBarFollowsThePointerNotItsOwnWrites) {
     click(blockCentre(Foreground));
     // A pointer position whose value, written and read back, would put the
     // bar elsewhere than under the pointer.
-    const GeAffineMatrix3<float> toWindow = bar(P::EdgeSoftness).getLocalToWindow(viewer.view);
+    const GeAffineMatrix3<float> toWindow =
+        bar(P::EdgeSoftness).getLocalToWindow(viewer->getView());
     GePoint2<float> target;
     float local = 0.0f;
     bool found = false;
     for (float x = 0.01f; x < 150.0f && !found; x += 0.37f) {
         target = toWindow.transformPoint({x, 0.0f});
-        local = bar(P::EdgeSoftness).windowToLocal(viewer.view, target).x;
+        local = bar(P::EdgeSoftness).windowToLocal(viewer->getView(), target).x;
         const float written = local * 0.0025f + 0.5f;
         found = written * 400.0f - 200.0f != local;
     }
     ASSERT_TRUE(found);
 
     auto down = press(barPoint(P::EdgeSoftness, 0.5f));
-    viewer.deliver(down);
+    deliver(down);
     auto m = move(target);
-    viewer.deliver(m);
+    deliver(m);
     EXPECT_EQ(bar(P::EdgeSoftness).getValue(), local);
     auto up = release(target);
-    viewer.deliver(up);
+    deliver(up);
     EXPECT_EQ(bar(P::EdgeSoftness).getValue(), local);
     // Listening again once the drag is over.
     setParam(P::EdgeSoftness, 0.0);
@@ -217,7 +219,7 @@ TEST_F(SampleMatte, ADraggedBarFollowsThePointerNotItsOwnWrites) {
 TEST_F(SampleMatte, AClickThatNoBarTakesHidesTheColumnWithoutSamplingAgain) {
     click(blockCentre(Foreground));
     ASSERT_TRUE(columnDrawn());
-    EXPECT_TRUE(click(blockCentre(Highlight)));
+    EXPECT_TRUE(clickEvents(blockCentre(Highlight)));
     EXPECT_FALSE(columnDrawn());
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Edge Softness"}); // not resampled
     // The next click samples.
@@ -229,36 +231,36 @@ TEST_F(SampleMatte, EscapeAndFocusLossHideTheColumn) {
     // Keys come with the pointer's position; here it is away from the bars.
     click(blockCentre(Foreground));
     EvKeyDownEvent escape(at(blockCentre(Highlight)), EvKeyboardState(), EvKeyCode::KeyEscape);
-    EXPECT_TRUE(viewer.deliver(escape));
+    EXPECT_TRUE(deliver(escape));
     EXPECT_FALSE(columnDrawn());
 
     click(blockCentre(Foreground));
     ASSERT_TRUE(columnDrawn());
     EvFocusOutEvent focusOut;
-    EXPECT_TRUE(viewer.deliver(focusOut));
+    EXPECT_TRUE(deliver(focusOut));
     EXPECT_FALSE(columnDrawn());
 
     // Other keys leave it.
     click(blockCentre(Foreground));
     EvKeyDownEvent other(at(blockCentre(Highlight)), EvKeyboardState(), EvKeyCode::KeyA);
-    EXPECT_FALSE(viewer.deliver(other));
+    EXPECT_FALSE(deliver(other));
     EXPECT_TRUE(columnDrawn());
 }
 
 TEST_F(SampleMatte, ACtrlMoveSamplesAgainWhereThePointerIs) {
     click(blockCentre(Foreground));
     auto plain = move(at(blockCentre(Highlight)), 0, EvButton::None);
-    viewer.deliver(plain);
+    deliver(plain);
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Edge Softness"});
 
     auto withCtrl = move(at(blockCentre(Highlight)), Ctrl, EvButton::None);
-    EXPECT_TRUE(viewer.deliver(withCtrl));
+    EXPECT_TRUE(deliver(withCtrl));
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Highlights"});
     EXPECT_FLOAT_EQ(column().getBaseTransform().getTranslationX(), blockCentre(Highlight).x);
 
     // Off the image there is nothing to sample: the column stays.
     auto off = move(at({120.0f, 5.0f}), Ctrl, EvButton::None);
-    viewer.deliver(off);
+    deliver(off);
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Highlights"});
     EXPECT_TRUE(columnDrawn());
 }

@@ -37,22 +37,20 @@ protected:
         for (int r = 0; r < 3; ++r) {
             for (int c = 0; c < 4; ++c) {
                 b.set(r, c,
-                      static_cast<float>(mg->getPatchBoxInput(patch, r, c)
-                                             ->getTypedValue<double>(viewer.time.getTime())));
+                      static_cast<float>(
+                          mg->getPatchBoxInput(patch, r, c)->getTypedValue<double>(now())));
             }
         }
         return b;
     }
-    int mode(int patch) {
-        return mg->getPatchModeInput(patch)->getTypedValue<int>(viewer.time.getTime());
-    }
+    int mode(int patch) { return mg->getPatchModeInput(patch)->getTypedValue<int>(now()); }
     static Box fitted(std::initializer_list<CoRgbaColorTyped<float>> list) {
         return TsUtils::computeMinimalBoxMatrix(colours(list));
     }
     // The cursor the viewer shows for the pointer at a world point.
     std::string cursorAt(const GePoint2<float>& world, unsigned modifiers = 0) {
         auto m = move(at(world), modifiers, EvButton::None);
-        viewer.deliver(m);
+        deliver(m);
         const RCShdPtr<WsCursor> cursor = handler().getCursor();
         return cursor ? cursor->getName() : "";
     }
@@ -133,9 +131,9 @@ TEST_F(SamplePatch, TheCursorTellsAddingFromReplacing) {
 
 TEST_F(SamplePatch, FeedbackThatEndsLeavesTheEventToOthers) {
     auto over = move(at(blockCentre(Key)), 0, EvButton::None);
-    EXPECT_TRUE(viewer.deliver(over));
+    EXPECT_TRUE(deliver(over));
     auto off = move(at({100.0f, 5.0f}), 0, EvButton::None);
-    EXPECT_FALSE(viewer.deliver(off));
+    EXPECT_FALSE(deliver(off));
     EXPECT_FALSE(off.isProcessed());
 }
 
