@@ -4,6 +4,8 @@
 #include <gfx/mfToolset.h>
 #include <tesseraUtil/tsUtils.h>
 
+#include <limits>
+
 namespace {
 
 using Box = CoAffineMatrixTyped<float>;
@@ -227,6 +229,12 @@ TEST_F(PatchMode, ALowScoreBelowOneFifthIsModeOne) {
         below.g = std::nextafter(below.g, m[4] > 0.0f ? -2.0f : 2.0f);
     }
     EXPECT_EQ(classify({below, on(0.9f)}), 1);
+}
+
+TEST_F(PatchMode, AColourThatIsNotANumberScoresZero) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(classify({{nan, 0.0f, 0.0f, 1.0f}}), 3);
+    EXPECT_EQ(classify({on(0.9f), {nan, 0.0f, 0.0f, 1.0f}}), 1);
 }
 
 TEST_F(PatchMode, TheOpponentScalesScoresBeyondTheCoreOnly) {

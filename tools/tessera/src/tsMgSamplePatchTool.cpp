@@ -13,7 +13,6 @@
 #include <tesseraUtil/tsUtils.h>
 
 #include <algorithm>
-#include <vector>
 
 namespace {
 
@@ -103,16 +102,24 @@ int TsMgSamplePatchTool::classifyMode(const CoRgbColorTyped<float>& keyColour,
                                       const Vector<CoRgbaColorTyped<float>>& colours,
                                       float intrusion, float opponent) {
     const CoAffineMatrixTyped<float> s = TsMgUtils::getSoftnessMatrix(keyColour, intrusion);
-    std::vector<float> scores;
-    scores.reserve(colours.size());
+    // Only the lowest and the highest score matter: one pass finds them
+    // (sorting a million picked colours' scores would cost most of a pick).
+    float low = 0.0f;
+    float high = 0.0f;
+    bool first = true;
     for (const CoRgbaColorTyped<float>& c : colours) {
         const float x = s[0] * c.r + s[4] * c.g + s[8] * c.b + s[12];
-        const float score = x < 0.0f ? -x : opponent * x;
-        scores.push_back(std::clamp(score, 0.0f, 1.0f));
+        const float raw = x < 0.0f ? -x : opponent * x;
+        // Clamped to [0, 1]; a colour that is not a number scores 0.
+        const float score = raw > 0.0f ? std::min(raw, 1.0f) : 0.0f;
+        if (first) {
+            low = high = score;
+            first = false;
+        } else {
+            low = std::min(low, score);
+            high = std::max(high, score);
+        }
     }
-    std::sort(scores.begin(), scores.end());
-    const float low = scores.empty() ? 0.0f : scores.front();
-    const float high = scores.empty() ? 0.0f : scores.back();
     if (high > 0.5f) {
         return low >= 0.2f ? 2 : 1;
     }

@@ -41,9 +41,10 @@ public:
     // The mode of a sample against the key colour. Each colour's score is its
     // first softness coordinate x (key colour and intrusion as the matte
     // generator has them): -x inside the core (x < 0), opponent * x beyond
-    // it, clamped to [0, 1]. With the lowest and highest scores (both 0 for
-    // no colour): 3 when the highest is at most 0.5 (the sample stays near
-    // the key colour); otherwise 2 when even the lowest reaches 0.2, else 1.
+    // it, clamped to [0, 1] (a colour that is not a number scores 0). With the
+    // lowest and highest scores (both 0 for no colour): 3 when the highest is
+    // at most 0.5 (the sample stays near the key colour); otherwise 2 when
+    // even the lowest reaches 0.2, else 1.
     static int classifyMode(const CoRgbColorTyped<float>& keyColour,
                             const Vector<CoRgbaColorTyped<float>>& colours, float intrusion,
                             float opponent);
