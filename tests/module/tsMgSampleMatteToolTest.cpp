@@ -245,6 +245,12 @@ TEST_F(SampleMatte, EscapeAndFocusLossHideTheColumn) {
     EvKeyDownEvent other(at(blockCentre(Highlight)), EvKeyboardState(), EvKeyCode::KeyA);
     EXPECT_FALSE(deliver(other));
     EXPECT_TRUE(columnDrawn());
+
+    // With the pointer on the top bar (the sample point) Escape still hides
+    // it: a key is no feedback for the bar under the pointer.
+    EvKeyDownEvent overBar(at(blockCentre(Foreground)), EvKeyboardState(), EvKeyCode::KeyEscape);
+    EXPECT_TRUE(deliver(overBar));
+    EXPECT_FALSE(columnDrawn());
 }
 
 TEST_F(SampleMatte, ACtrlMoveSamplesAgainWhereThePointerIs) {

@@ -12,6 +12,8 @@ public:
     static PrdPredicate<EvEvent> isPointerDownButtonLeft();
     // A pointer move, with or without a button held.
     static PrdPredicate<EvEvent> isPointerMove();
+    // Any pointer event: a move, a button press or a release.
+    static PrdPredicate<EvEvent> isPointerEvent();
     // A device event during which every modifier of the mask is held
     // (EvKeyboardState: Shift 1, Alt 2, Ctrl 4, Meta 8).
     static PrdPredicate<EvEvent> isKeyModifierOn(unsigned modifierMask);

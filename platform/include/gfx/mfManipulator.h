@@ -33,7 +33,10 @@ class VwView;
 // Grasp: a manipulator may be grasped when it is active, when every one of
 // its grasp predicates holds for the event (initially one: a left button
 // press) and when the pointer hits it. Feedback (highlight and cursor) needs
-// the feedback predicate (initially: every event) and a hit.
+// the feedback predicate and a hit. The feedback predicate is initially
+// "a pointer event": a key pressed over a manipulator (Escape, say) is not
+// feedback and goes on to the tool; manipulators whose cursor follows the
+// keyboard (Shift over a pick) set a predicate that takes key events.
 class MfManipulator : public RCBase<LkCounter<int>> {
 public:
     enum State { Active = 0, Highlighted = 1, Inactive = 2, Hidden = 3 };

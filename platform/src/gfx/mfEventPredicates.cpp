@@ -23,6 +23,11 @@ public:
     bool operator()(const EvEvent& e) const override { return e.isA<EvPointerMoveEvent>(); }
 };
 
+class PointerEvent : public Test {
+public:
+    bool operator()(const EvEvent& e) const override { return e.isA<EvPointerEvent>(); }
+};
+
 class ModifierOn : public Test {
 public:
     explicit ModifierOn(unsigned mask)
@@ -74,6 +79,10 @@ PrdPredicate<EvEvent> MfEventPredicates::isPointerDownButtonLeft() {
 
 PrdPredicate<EvEvent> MfEventPredicates::isPointerMove() {
     return leaf(new PointerMove);
+}
+
+PrdPredicate<EvEvent> MfEventPredicates::isPointerEvent() {
+    return leaf(new PointerEvent);
 }
 
 PrdPredicate<EvEvent> MfEventPredicates::isKeyModifierOn(unsigned modifierMask) {

@@ -5,7 +5,8 @@
 #include <base/vwView.h>
 
 MfManipulator::MfManipulator()
-    : _grasp{MfEventPredicates::isPointerDownButtonLeft()} {}
+    : _grasp{MfEventPredicates::isPointerDownButtonLeft()}
+    , _feedback(MfEventPredicates::isPointerEvent()) {}
 
 MfManipulator::~MfManipulator() {
     for (const auto& child : _children) {
