@@ -4,17 +4,23 @@
 #include "keyerImageSource.h"
 
 #include <base/rcCast.h>
+#include <pluginAPI/piContainer.h>
 #include <pluginAPI/piCurrentToolEventHandler.h>
 #include <pluginAPI/piEventHandler.h>
+#include <pluginAPI/piNodeWidget.h>
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piSnItem.h>
+#include <pluginAPI/piTimePath.h>
 #include <resmgt/msgFileGuard.h>
 #include <tessera/img/tsDemoPlate.h>
 #include <tessera/tsNodeSelectChangedEvent.h>
 #include <tessera/tsSetup.h>
 #include <ui/uiApplication.h>
 #include <ui/uiHotkeyRegistry.h>
+#include <ui/uiNodeWidget.h>
+#include <ui/uiPanel.h>
 #include <ui/uiViewer.h>
+#include <ui/uiWorkspace.h>
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -24,6 +30,18 @@
 namespace {
 
 const char* const GroupName = "Tessera";
+
+// The areas of the main panel, by the panel names scripts use.
+const std::vector<std::pair<std::string, std::string>> Areas = {{"matte", "tsMatteGen"},
+                                                                {"degrain", "tsDegrain"},
+                                                                {"spill", "tsSpillBlend"},
+                                                                {"other", "tsOtherUi"}};
+
+UiNodeWidget* areaOf(const PiContainer& panel, const std::string& area) {
+    RCShdPtr<PiWidget> widget;
+    exContain("session: panel area " + area, [&] { widget = panel.findWidget(area); });
+    return dynamic_cast<UiNodeWidget*>(widget.get());
+}
 
 // The keyer node a selection item refers to, if it is one.
 RCShdPtr<PiNode> nodeOf(const RCShdPtr<const SnItem>& item) {
@@ -49,7 +67,7 @@ bool HostSession::startPackages() {
     return started;
 }
 
-HostSession::HostSession(QWidget* viewerParent, int width, int height) {
+HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* panelParent) {
     UiApplication::getInstance();
     startPackages();
     _listener = ExReporter::getInstance().addListener(
@@ -61,6 +79,8 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height) {
     _viewer = std::make_unique<UiViewer>(viewerParent, "viewer");
     _viewer->resize(width, height);
     _imageSource = std::make_unique<KeyerImageSource>(*_viewer);
+    UiWorkspace::getInstance().addViewer(_viewer.get());
+    _mainPanel = std::make_unique<UiPanel>("main", panelParent);
     SnSelection::getCurrent()->attachObserver(this);
     makeKeyer(1, 1);
 }
@@ -68,7 +88,10 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height) {
 HostSession::~HostSession() {
     SnSelection::getCurrent()->detachObserver(this);
     detachGroup();
-    // The viewer's handler (module code) goes while the keyer still lives.
+    // The panel's and the viewer's handlers (module code) go while the keyer
+    // still lives.
+    exContain("session: closing the panels", [&] { _mainPanel.reset(); });
+    UiWorkspace::getInstance().removeViewer(_viewer.get());
     _imageSource.reset();
     exContain("session: closing the viewer", [&] { _viewer.reset(); });
     _shown.reset();
@@ -103,6 +126,8 @@ void HostSession::detachGroup() {
 
 void HostSession::makeKeyer(int generation, int nodes) {
     detachGroup();
+    exContain("session: the panels let the old keyer go",
+              [&] { _mainPanel->setNode(RCShdPtr<PiNode>(), RCShdPtr<const PiTimePath>()); });
     exContain("session: the viewer lets the old keyer go",
               [&] { _viewer->setNode(RCShdPtr<PiNode>()); });
     _shown.reset();
@@ -117,7 +142,46 @@ void HostSession::makeKeyer(int generation, int nodes) {
     _graph->getCommandStack().clear();
     attachGroup();
     followKeyer();
+    const RCShdPtr<const PiTimePath> timePath(
+        new PiTimePath(&_viewer->getTime(), rcMake<PiPath>(RCShdPtr<PiNode>(_group))));
+    exContain("session: the main panel", [&] { _mainPanel->setNode(_group, timePath); });
+    showPanels();
     select(_group->getKeyerNode(0));
+}
+
+const std::vector<std::string>& HostSession::getPanelNames() {
+    static const std::vector<std::string> names = {"main", "matte", "degrain", "spill", "other"};
+    return names;
+}
+
+RCShdPtr<PiContainer> HostSession::getPanel(const std::string& name) const {
+    const RCShdPtr<PiContainer> main = _mainPanel->getContainer();
+    if (name == "main" || !main) {
+        return name == "main" ? main : RCShdPtr<PiContainer>();
+    }
+    for (const auto& [panel, area] : Areas) {
+        if (panel == name) {
+            UiNodeWidget* widget = areaOf(*main, area);
+            return widget ? widget->getContent().container : RCShdPtr<PiContainer>();
+        }
+    }
+    return RCShdPtr<PiContainer>();
+}
+
+void HostSession::showPanels() {
+    const RCShdPtr<PiContainer> main = _mainPanel->getContainer();
+    if (!main || _mainPanel->getController()) {
+        return;
+    }
+    // No controller to fill the areas: the host shows the shown node's stage
+    // panels in them.
+    for (const auto& [panel, area] : Areas) {
+        UiNodeWidget* widget = areaOf(*main, area);
+        if (widget && widget->getNode().get() != _shown.get()) {
+            exContain("session: panel " + panel,
+                      [&] { widget->setContent(RCShdPtr<PiNode>(_shown)); });
+        }
+    }
 }
 
 RCShdPtr<PiNode> HostSession::findNode(const std::string& name) const {
@@ -139,6 +203,9 @@ void HostSession::followKeyer() {
     _shown = keyer;
     exContain("session: showing " + (keyer ? keyer->getName() : std::string("no node")),
               [&] { _viewer->setNode(keyer); });
+    if (_mainPanel) {
+        showPanels();
+    }
 }
 
 void HostSession::selectedNodeChanged(const PiNodeEvent&) {
@@ -151,6 +218,7 @@ void HostSession::nodeRemoved(const PiNodeEvent& event) {
         _shown.reset();
         exContain("session: the viewer lets the removed node go",
                   [&] { _viewer->setNode(RCShdPtr<PiNode>()); });
+        showPanels();
     }
 }
 

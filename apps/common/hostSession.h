@@ -19,6 +19,8 @@
 #include <vector>
 
 class QWidget;
+class PiContainer;
+class UiPanel;
 class UiViewer;
 class MsgFileGuard;
 class KeyerImageSource;
@@ -42,14 +44,21 @@ class TsDemoPlate;
 // input (and the background on its background input) without an undo step,
 // and again on keyer nodes that a setup load adds.
 //
+// The keyer group's main panel is the session's too: its areas show the
+// stage panels ("matte", "degrain", "spill", "other") of the shown node. Its
+// controller (the module's) fills and follows them; a main panel left
+// without a controller still shows the shown node's stage panels.
+//
 // Every call that runs module code (selection and node events, undo and
 // redo, setup loads, tool changes) is contained: a failure is reported, the
 // step it left open is closed, and the session carries on.
 class HostSession : public ObObserver<Sn> {
 public:
-    // The viewer is a child of `viewerParent` (a top-level window without
-    // one), `width` x `height` pixels.
-    explicit HostSession(QWidget* viewerParent = nullptr, int width = 960, int height = 540);
+    // The viewer is a child of `viewerParent`, the main panel of
+    // `panelParent` (top-level windows without them); the viewer is `width`
+    // x `height` pixels.
+    explicit HostSession(QWidget* viewerParent = nullptr, int width = 960, int height = 540,
+                         QWidget* panelParent = nullptr);
     ~HostSession() override;
     HostSession(const HostSession&) = delete;
     HostSession& operator=(const HostSession&) = delete;
@@ -110,6 +119,14 @@ public:
     bool setTool(const std::string& name);
     std::string getTool() const;
 
+    // --- panels
+    // "main", "matte", "degrain", "spill", "other".
+    static const std::vector<std::string>& getPanelNames();
+    // The widgets of a panel; empty for an unknown name or a panel that
+    // shows nothing.
+    RCShdPtr<PiContainer> getPanel(const std::string& name) const;
+    UiPanel& getMainPanel() const { return *_mainPanel; }
+
     // --- what went wrong since the session began, oldest first
     const std::vector<ExReporter::Report>& getReports() const { return _reports; }
 
@@ -124,11 +141,13 @@ private:
     void followKeyer();
     void wirePlates();
     void attachGroup();
+    void showPanels();
     void detachGroup();
 
     std::unique_ptr<MsgFileGuard> _catalogue;
     std::unique_ptr<UiViewer> _viewer;
     std::unique_ptr<KeyerImageSource> _imageSource;
+    std::unique_ptr<UiPanel> _mainPanel;
     RCShdPtr<PiGraph> _graph;
     RCShdPtr<TsKeyerGroup> _group;
     RCShdPtr<TsKeyerNode> _shown;

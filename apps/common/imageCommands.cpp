@@ -24,7 +24,7 @@ PiImagePtr readPlate(SessionInterpreter& interpreter, const std::string& file) {
 
 } // namespace
 
-void addImageCommands(SessionInterpreter& interpreter, OutputWriter& writer) {
+void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
     SessionInterpreter& in = interpreter;
     HostSession& s = interpreter.getSession();
 

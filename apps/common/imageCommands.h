@@ -7,4 +7,7 @@ class OutputWriter;
 // `view`, `write`, and the queries `mode`, `pixel` and `score` (see
 // docs/session-scripts.md). The writer must outlive the interpreter's use of
 // them.
-void addImageCommands(SessionInterpreter& interpreter, OutputWriter& writer);
+class ImageCommands {
+public:
+    static void add(SessionInterpreter& interpreter, OutputWriter& writer);
+};

@@ -4,6 +4,7 @@
 #include "common/hostSession.h"
 #include "common/imageCommands.h"
 #include "common/outputWriter.h"
+#include "common/widgetCommands.h"
 #include "common/sessionInterpreter.h"
 #include "common/sessionScript.h"
 #include "demoSession.h"
@@ -103,7 +104,8 @@ int replay(const Arguments& args) {
         HostSession session;
         OutputWriter writer(session);
         SessionInterpreter interpreter(session, options);
-        addImageCommands(interpreter, writer);
+        ImageCommands::add(interpreter, writer);
+        WidgetCommands::add(interpreter);
         try {
             interpreter.run(script);
             progress.finish(script.getLines().size());

@@ -7,6 +7,7 @@
 #include "common/hostSession.h"
 #include "common/imageCommands.h"
 #include "common/outputWriter.h"
+#include "common/widgetCommands.h"
 #include "common/sessionInterpreter.h"
 #include "common/sessionScript.h"
 
@@ -41,7 +42,8 @@ protected:
         options.outputDir = dir.string();
         options.out = &printed;
         interpreter = std::make_unique<SessionInterpreter>(*session, options);
-        addImageCommands(*interpreter, *writer);
+        ImageCommands::add(*interpreter, *writer);
+        WidgetCommands::add(*interpreter);
     }
     void TearDown() override {
         interpreter.reset();

@@ -1,0 +1,302 @@
+#include "widgetCommands.h"
+
+#include "hostSession.h"
+#include "sessionArgs.h"
+#include "sessionInterpreter.h"
+
+#include <base/exReporter.h>
+#include <pluginAPI/piContainer.h>
+#include <ui/uiContainer.h>
+#include <ui/uiDualState.h>
+#include <ui/uiLabel.h>
+#include <ui/uiMenu.h>
+#include <ui/uiNodeWidget.h>
+#include <ui/uiPushButton.h>
+#include <ui/uiTrackball.h>
+#include <ui/uiValueEditor.h>
+#include <ui/uiWidgetAdapter.h>
+
+#include <QWidget>
+
+#include <cmath>
+
+namespace {
+
+std::string quoted(const std::string& s) {
+    return "\"" + s + "\"";
+}
+
+// The widget of a line (PANEL NAME), kept with its names for messages.
+struct Target {
+    std::string panel;
+    std::string name;
+    RCShdPtr<PiWidget> widget;
+
+    std::string label() const { return "widget " + quoted(name) + " of panel " + panel; }
+    SessionArgs::Error wrongKind(const std::string& action) const {
+        return SessionArgs::Error(label() + " is a " + WidgetCommands::kindOf(*widget) +
+                                  ": it cannot " + action);
+    }
+};
+
+Target target(const HostSession& session, SessionArgs& args) {
+    Target t;
+    t.panel = args.choice("panel", HostSession::getPanelNames());
+    t.name = args.word("widget name");
+    t.widget = WidgetCommands::find(session, t.panel, t.name);
+    return t;
+}
+
+EvKeyboardState keysOf(SessionArgs& args) {
+    unsigned modifiers = 0;
+    args.modifiersAndButton(modifiers, nullptr);
+    return EvKeyboardState(modifiers);
+}
+
+std::string yesNo(bool b) {
+    return b ? "true" : "false";
+}
+
+} // namespace
+
+RCShdPtr<PiWidget> WidgetCommands::find(const HostSession& session, const std::string& panel,
+                                        const std::string& name) {
+    const RCShdPtr<PiContainer> container = session.getPanel(panel);
+    if (!container) {
+        throw SessionArgs::Error("panel " + panel + " shows nothing");
+    }
+    RCShdPtr<PiWidget> widget;
+    exContain("session: panel " + panel, [&] { widget = container->findWidget(name); });
+    if (!widget) {
+        throw SessionArgs::Error("panel " + panel + " has no widget " + quoted(name));
+    }
+    return widget;
+}
+
+std::string WidgetCommands::kindOf(const PiWidget& w) {
+    if (dynamic_cast<const UiDualState*>(&w)) {
+        return "toggle";
+    }
+    if (dynamic_cast<const UiMenu*>(&w)) {
+        return "menu";
+    }
+    if (dynamic_cast<const UiLabel*>(&w)) {
+        return "label";
+    }
+    if (dynamic_cast<const UiValueEditor*>(&w)) {
+        return "number field";
+    }
+    if (dynamic_cast<const UiTrackball*>(&w)) {
+        return "trackball";
+    }
+    if (dynamic_cast<const UiPushButton*>(&w)) {
+        return "button";
+    }
+    if (dynamic_cast<const UiNodeWidget*>(&w)) {
+        return "node widget";
+    }
+    return "container";
+}
+
+std::string WidgetCommands::describe(const PiWidget& w) {
+    std::string line = w.getName() + " (" + kindOf(w) + ")";
+    if (const auto* toggle = dynamic_cast<const UiDualState*>(&w)) {
+        line += toggle->getState() ? " on" : " off";
+    } else if (const auto* menu = dynamic_cast<const UiMenu*>(&w)) {
+        line += " " + quoted(menu->getSelectedText()) + " of";
+        for (int i = 0; i < menu->getItemCount(); ++i) {
+            line += (i ? ", " : " ") + quoted(menu->getItemText(i));
+        }
+    } else if (const auto* label = dynamic_cast<const UiLabel*>(&w)) {
+        line += " " + quoted(label->getText());
+    } else if (const auto* field = dynamic_cast<const UiValueEditor*>(&w)) {
+        line += " " + SessionArgs::format(field->getValue());
+    } else if (const auto* ball = dynamic_cast<const UiTrackball*>(&w)) {
+        float dx = 0.0f;
+        float dy = 0.0f;
+        ball->getDelta(dx, dy);
+        line += " delta " + SessionArgs::format(dx) + " " + SessionArgs::format(dy);
+    } else if (const auto* area = dynamic_cast<const UiNodeWidget*>(&w)) {
+        line += area->getNode() ? " shows " + area->getNode()->getName() : " empty";
+    }
+    if (!w.isEnabled()) {
+        line += " (disabled)";
+    }
+    return line;
+}
+
+std::vector<RCShdPtr<PiWidget>> WidgetCommands::widgetsOf(const HostSession& session,
+                                                          const std::string& panel) {
+    std::vector<RCShdPtr<PiWidget>> widgets;
+    const RCShdPtr<PiContainer> container = session.getPanel(panel);
+    auto* adapter = dynamic_cast<UiWidgetAdapter*>(container.get());
+    QWidget* root = adapter ? adapter->getLiveWidget() : nullptr;
+    if (!root) {
+        return widgets;
+    }
+    for (QWidget* w : UiContainer::panelWidgets(root)) {
+        const QString name = w->objectName();
+        if (name.isEmpty() || name.startsWith("qt_")) {
+            continue;
+        }
+        if (RCShdPtr<UiWidgetAdapter> a = UiWidgetAdapter::of(w)) {
+            widgets.push_back(RCShdPtr<PiWidget>(a.get()));
+        }
+    }
+    return widgets;
+}
+
+void WidgetCommands::add(SessionInterpreter& interpreter) {
+    HostSession& s = interpreter.getSession();
+    interpreter.addCommand("widget", [&s](SessionArgs& a) {
+        const Target t = target(s, a);
+        const std::string action =
+            a.choice("widget action", {"toggle", "press", "select", "set", "drag", "resize"});
+        if (!t.widget->isEnabled()) {
+            throw SessionArgs::Error(t.label() + " is disabled");
+        }
+        PiWidget* w = t.widget.get();
+        if (action == "toggle") {
+            auto* toggle = dynamic_cast<UiDualState*>(w);
+            if (!toggle) {
+                throw t.wrongKind("be toggled");
+            }
+            toggle->click(keysOf(a));
+        } else if (action == "press") {
+            if (auto* toggle = dynamic_cast<UiDualState*>(w)) {
+                toggle->click(keysOf(a));
+            } else if (auto* button = dynamic_cast<UiPushButton*>(w)) {
+                button->click(keysOf(a));
+            } else {
+                throw t.wrongKind("be pressed");
+            }
+        } else if (action == "select") {
+            auto* menu = dynamic_cast<UiMenu*>(w);
+            if (!menu) {
+                throw t.wrongKind("select an entry");
+            }
+            const bool byText = a.peekQuoted();
+            const std::string entry = a.word("menu entry (its text, or its index from 0)");
+            int index = -1;
+            double number = 0.0;
+            if (!byText && SessionArgs::parseNumber(entry, number) &&
+                number == std::floor(number)) {
+                index = static_cast<int>(number);
+                if (index < 0 || index >= menu->getItemCount()) {
+                    throw SessionArgs::Error(t.label() + " has no entry " + entry + " (it has " +
+                                             std::to_string(menu->getItemCount()) + ")");
+                }
+            } else {
+                for (int i = 0; i < menu->getItemCount() && index < 0; ++i) {
+                    if (menu->getItemText(i) == entry) {
+                        index = i;
+                    }
+                }
+                if (index < 0) {
+                    throw SessionArgs::Error(t.label() + " has no entry " + quoted(entry));
+                }
+            }
+            menu->choose(index, keysOf(a));
+        } else if (action == "set") {
+            auto* field = dynamic_cast<UiValueEditor*>(w);
+            if (!field) {
+                throw t.wrongKind("take a number");
+            }
+            const double value = a.number("value");
+            field->enter(value, keysOf(a));
+        } else if (action == "drag") {
+            auto* ball = dynamic_cast<UiTrackball*>(w);
+            if (!ball) {
+                throw t.wrongKind("be dragged");
+            }
+            const double dx = a.number("drag x");
+            const double dy = a.number("drag y");
+            int steps = 1;
+            if (a.take("steps")) {
+                steps = a.integer("number of steps");
+                if (steps < 1 || steps > 100000) {
+                    throw SessionArgs::Error("a drag takes 1 to 100000 steps");
+                }
+            }
+            ball->drag(static_cast<float>(dx), static_cast<float>(dy), steps, keysOf(a));
+        } else {
+            auto* label = dynamic_cast<UiLabel*>(w);
+            if (!label) {
+                throw t.wrongKind("be resized");
+            }
+            const int width = a.integer("width");
+            if (width < 0 || width > 16384) {
+                throw SessionArgs::Error("a width is 0 to 16384 pixels");
+            }
+            label->setWidth(width);
+        }
+        a.end();
+    });
+
+    SessionProbe& probe = interpreter.getProbe();
+    probe.addQuery("toggle", [&s](SessionArgs& a) {
+        const Target t = target(s, a);
+        const auto* toggle = dynamic_cast<const UiDualState*>(t.widget.get());
+        if (!toggle) {
+            throw SessionArgs::Error(t.label() + " is a " + kindOf(*t.widget) + ", not a toggle");
+        }
+        return std::string(toggle->getState() ? "on" : "off");
+    });
+    probe.addQuery("menu", [&s](SessionArgs& a) {
+        const Target t = target(s, a);
+        const auto* menu = dynamic_cast<const UiMenu*>(t.widget.get());
+        if (!menu) {
+            throw SessionArgs::Error(t.label() + " is a " + kindOf(*t.widget) + ", not a menu");
+        }
+        if (a.take("entries")) {
+            std::string entries;
+            for (int i = 0; i < menu->getItemCount(); ++i) {
+                entries += (i ? ", " : "") + menu->getItemText(i);
+            }
+            return entries.empty() ? std::string("none") : entries;
+        }
+        if (a.take("index")) {
+            return std::to_string(menu->getSelection());
+        }
+        return menu->getSelection() < 0 ? std::string("none") : menu->getSelectedText();
+    });
+    probe.addQuery("label", [&s](SessionArgs& a) {
+        const Target t = target(s, a);
+        const auto* label = dynamic_cast<const UiLabel*>(t.widget.get());
+        if (!label) {
+            throw SessionArgs::Error(t.label() + " is a " + kindOf(*t.widget) + ", not a label");
+        }
+        return label->getText();
+    });
+    probe.addQuery("value", [&s](SessionArgs& a) {
+        const Target t = target(s, a);
+        const auto* field = dynamic_cast<const UiValueEditor*>(t.widget.get());
+        if (!field) {
+            throw SessionArgs::Error(t.label() + " is a " + kindOf(*t.widget) +
+                                     ", not a number field");
+        }
+        return SessionArgs::format(field->getValue());
+    });
+    probe.addQuery("enabled", [&s](SessionArgs& a) {
+        const Target t = target(s, a);
+        return yesNo(t.widget->isEnabled());
+    });
+    probe.addQuery(
+        "panel",
+        [&s](SessionArgs& a) {
+            const std::string panel = a.choice("panel", HostSession::getPanelNames());
+            const RCShdPtr<PiContainer> container = s.getPanel(panel);
+            return std::to_string(container ? widgetsOf(s, panel).size() : 0) + " widgets";
+        },
+        [&s](SessionArgs& a) {
+            const std::string panel = a.choice("panel", HostSession::getPanelNames());
+            std::vector<std::string> lines{"panel " + panel + ":"};
+            if (!s.getPanel(panel)) {
+                lines.back() += " shows nothing";
+            }
+            for (const RCShdPtr<PiWidget>& w : widgetsOf(s, panel)) {
+                lines.push_back("  " + describe(*w));
+            }
+            return lines;
+        });
+}
