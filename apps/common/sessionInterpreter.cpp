@@ -213,15 +213,16 @@ void SessionInterpreter::addCommands() {
     addCommand("zoom", [&s](SessionArgs& a) {
         const double zoom = a.number("zoom");
         a.end();
-        if (!(zoom > 0.0)) {
-            throw SessionArgs::Error("a zoom is a positive number");
+        if (!(zoom >= 1.0 / 1024 && zoom <= 1024)) {
+            throw SessionArgs::Error("a zoom is 1/1024 to 1024");
         }
         UiViewer& viewer = s.getViewer();
         VwView& view = viewer.getMutableView();
         view.setViewportSize(viewer.width(), viewer.height());
-        const GePoint2<float> centre{static_cast<float>(viewer.width()) / 2,
-                                     static_cast<float>(viewer.height()) / 2};
-        view.zoomAbout(centre, static_cast<float>(zoom) / view.getZoom());
+        const GePoint2<double> centre =
+            ViewerDriver::centreOf(view, viewer.width(), viewer.height());
+        view.setZoom(static_cast<float>(zoom));
+        view.setPan(ViewerDriver::panFor(view, viewer.width(), viewer.height(), centre));
         viewer.redraw();
     });
     addCommand("pan", [&s](SessionArgs& a) {
@@ -230,9 +231,7 @@ void SessionInterpreter::addCommands() {
         UiViewer& viewer = s.getViewer();
         VwView& view = viewer.getMutableView();
         view.setViewportSize(viewer.width(), viewer.height());
-        const GePoint2<float> at = ViewerDriver::plateToWindow(view, p);
-        view.panBy(static_cast<float>(viewer.width()) / 2 - at.x,
-                   static_cast<float>(viewer.height()) / 2 - at.y);
+        view.setPan(ViewerDriver::panFor(view, viewer.width(), viewer.height(), p));
         viewer.redraw();
     });
     addCommand("fit", [&s](SessionArgs& a) {

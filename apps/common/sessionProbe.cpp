@@ -165,10 +165,8 @@ SessionProbe::SessionProbe(HostSession& session)
     addQuery("zoom",
              [&viewer](SessionArgs&) { return SessionArgs::format(viewer.getView().getZoom()); });
     addQuery("centre", [&viewer](SessionArgs&) {
-        const VwView& view = viewer.getView();
         const GePoint2<double> centre =
-            ViewerDriver::windowToPlate(view, {static_cast<float>(viewer.width()) / 2,
-                                               static_cast<float>(viewer.height()) / 2});
+            ViewerDriver::centreOf(viewer.getView(), viewer.width(), viewer.height());
         return SessionArgs::format(centre.x) + " " + SessionArgs::format(centre.y);
     });
     addQuery("window", [&viewer](SessionArgs&) {

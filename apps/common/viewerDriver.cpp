@@ -113,6 +113,26 @@ GePoint2<double> ViewerDriver::windowToPlate(const VwView& view, const GePoint2<
             })};
 }
 
+GePoint2<float> ViewerDriver::panFor(const VwView& view, int width, int height,
+                                     const GePoint2<double>& centre) {
+    const double z = view.getZoom();
+    return {static_cast<float>(width / 2.0 - z * centre.x),
+            static_cast<float>(height / 2.0 + z * centre.y)};
+}
+
+GePoint2<double> ViewerDriver::centreOf(const VwView& view, int width, int height) {
+    const double z = view.getZoom();
+    const double x = (width / 2.0 - view.getPan().x) / z;
+    const double y = (view.getPan().y - height / 2.0) / z;
+    return {shortest(x, view.getPan().x,
+                     [&](double cx) {
+                         return panFor(view, width, height, {cx, y}).x;
+                     }),
+            shortest(y, view.getPan().y, [&](double cy) {
+                return panFor(view, width, height, {x, cy}).y;
+            })};
+}
+
 int ViewerDriver::toQtKey(EvKeyCode::KeyCode key) {
     const auto& map = qtKeys();
     const auto it = map.find(key);
@@ -186,14 +206,20 @@ bool ViewerDriver::keyUp(EvKeyCode::KeyCode code, unsigned modifiers) {
 
 bool ViewerDriver::hotkey(unsigned entry) {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
-    if (!registry.isRegistered(entry, _viewer.getEventHandler())) {
+    UiGrabHandler* handler = _viewer.getEventHandler();
+    if (!registry.isRegistered(entry, handler)) {
         return false;
     }
     const UiHotkeyRegistry::Binding binding = registry.getBinding(entry);
-    EvKeyboardState keys = UiApplication::getInstance().getKeyboardState(binding.modifiers);
-    if (binding.isBound()) {
-        keys.setKeyDown(binding.key, true);
+    if (binding.isBound() && toQtKey(binding.key) &&
+        registry.findEntryFor(binding.key, binding.modifiers, handler) == entry) {
+        // The user's way: a tap of the key it is bound to.
+        keyDown(binding.key, binding.modifiers);
+        keyUp(binding.key, binding.modifiers);
+        return true;
     }
+    // Unbound (or its key taken by another entry): the hotkey itself.
+    EvKeyboardState keys = UiApplication::getInstance().getKeyboardState(binding.modifiers);
     EvHotkeyEvent event(_viewer.getPointerPosition(), keys, entry);
     _viewer.deliver(event);
     return true;

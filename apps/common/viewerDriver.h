@@ -44,9 +44,10 @@ public:
     bool keyDown(EvKeyCode::KeyCode key, unsigned modifiers);
     bool keyUp(EvKeyCode::KeyCode key, unsigned modifiers);
 
-    // The hotkey entry, delivered to the viewer as the hotkey registry does
-    // for a key press that matches it. False (nothing delivered) when the
-    // viewer's handler is not registered for the entry.
+    // The hotkey entry: a tap (press and release) of the key it is bound to,
+    // as the user would give it, or for an entry without a key of its own the
+    // hotkey event itself. False (nothing delivered) when the viewer's
+    // handler is not registered for the entry.
     bool hotkey(unsigned entry);
 
     // Buttons held now (pressed through this driver and not released).
@@ -58,6 +59,14 @@ public:
     // (SessionArgs::format) replays to the same window position.
     static GePoint2<float> plateToWindow(const VwView& view, const GePoint2<double>& plate);
     static GePoint2<double> windowToPlate(const VwView& view, const GePoint2<float>& window);
+
+    // The pan that puts plate point `centre` at the middle of a window of
+    // `width` x `height` at the view's zoom (in double precision, then
+    // rounded), and back: the plate point at the middle, with the fewest
+    // digits that panFor maps to exactly the view's pan.
+    static GePoint2<float> panFor(const VwView& view, int width, int height,
+                                  const GePoint2<double>& centre);
+    static GePoint2<double> centreOf(const VwView& view, int width, int height);
 
     // The window system's key of a host key; 0 when there is none.
     static int toQtKey(EvKeyCode::KeyCode key);

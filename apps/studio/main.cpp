@@ -1,0 +1,86 @@
+// tessera-studio: the desktop application of the keyer.
+#include "studioWindow.h"
+
+#include "common/hostPackages.h"
+#include "common/sessionScript.h"
+
+#include <QApplication>
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+namespace {
+
+void usage(std::ostream& os) {
+    os << "usage: tessera-studio [--demo] [--plate FILE] [--script SESSION] [--record FILE]\n"
+          "\n"
+          "  --demo            start on the built-in demo plate and its background\n"
+          "  --plate FILE      start on a plate file\n"
+          "  --script SESSION  carry out a session script first (docs/session-scripts.md)\n"
+          "  --record FILE     write what was done as a session script when the studio closes\n"
+          "                    (File > Save Session Script writes it at any time)\n";
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QApplication app(argc, argv);
+    bool demo = false;
+    std::string plate;
+    std::string script;
+    std::string record;
+    const QStringList args = QApplication::arguments();
+    for (int i = 1; i < args.size(); ++i) {
+        const std::string a = args[i].toStdString();
+        if (a == "--help" || a == "-h") {
+            usage(std::cout);
+            return 0;
+        }
+        if (a == "--demo") {
+            demo = true;
+        } else if (a == "--plate" && i + 1 < args.size()) {
+            plate = args[++i].toStdString();
+        } else if (a == "--script" && i + 1 < args.size()) {
+            script = args[++i].toStdString();
+        } else if (a == "--record" && i + 1 < args.size()) {
+            record = args[++i].toStdString();
+        } else {
+            std::cerr << "tessera-studio: unexpected argument \"" << a << "\"\n";
+            usage(std::cerr);
+            return 2;
+        }
+    }
+
+    int status = 0;
+    {
+        StudioWindow window;
+        if (demo) {
+            window.perform("plate demo");
+            window.perform("background demo");
+        }
+        if (!plate.empty()) {
+            window.openPlate(plate);
+        }
+        if (!script.empty()) {
+            try {
+                for (const auto& line : SessionScript::read(script).getLines()) {
+                    if (!window.perform(line.text)) {
+                        std::cerr << "tessera-studio: " << script << ":" << line.number << ": "
+                                  << window.getStatusText().toStdString() << "\n";
+                        break;
+                    }
+                }
+            } catch (const SessionError& e) {
+                std::cerr << "tessera-studio: " << e.what() << "\n";
+            }
+        }
+        window.show();
+        status = QApplication::exec();
+        if (!record.empty() && !window.saveRecording(record)) {
+            status = 1;
+        }
+    }
+    HostPackages::shutdownAndUnload();
+    return status;
+}

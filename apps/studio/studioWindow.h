@@ -1,0 +1,90 @@
+#pragma once
+
+#include <base/cbEmptyType.h>
+#include <base/cbMethod.h>
+
+#include <QMainWindow>
+
+#include <memory>
+#include <string>
+
+class HostSession;
+class OutputWriter;
+class QActionGroup;
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QSpinBox;
+class SessionInterpreter;
+class SessionRecorder;
+class UiMainWindow;
+
+// The desktop application's main window: the viewer in the middle, the
+// keyer's main panel (with the stage panels in its areas) on the right, the
+// undo history and the keyer's nodes on the left, a tool bar with the
+// viewer's stage, its view mode and the frame, menus for plates, setups,
+// exports, tools and history, and a status line that shows every report.
+//
+// Every action of the studio's own menus and bars is a session-script line
+// carried out by the session's interpreter (perform), so that what the
+// studio records (SessionRecorder) is exactly what it did; the viewer and
+// the panels are recorded as the user works in them.
+class StudioWindow : public QMainWindow {
+public:
+    explicit StudioWindow(QWidget* parent = nullptr);
+    ~StudioWindow() override;
+
+    HostSession& getSession() const { return *_session; }
+    SessionInterpreter& getInterpreter() const { return *_interpreter; }
+    SessionRecorder& getRecorder() const { return *_recorder; }
+    QListWidget& getHistory() const { return *_history; }
+    QListWidget& getNodes() const { return *_nodes; }
+
+    // Carries out a line as the studio's own actions do: written to the
+    // recording when it succeeded; a failure is shown in the status line
+    // (nothing is closed) and answers false.
+    bool perform(const std::string& line);
+
+    // What the menus do once their dialogs have answered.
+    bool openPlate(const std::string& path);
+    bool openBackground(const std::string& path);
+    bool loadSetup(const std::string& path);
+    bool saveSetup(const std::string& path);
+    bool exportOutput(const std::string& kind, const std::string& path);
+    bool saveRecording(const std::string& path);
+    // Goes back (or forward) in the history to just after step `row` (0 the
+    // oldest; -1 before the first).
+    bool goToStep(int row);
+
+    // The text of the status line.
+    QString getStatusText() const;
+
+private:
+    void buildMenus();
+    void buildToolBar();
+    void buildDocks();
+    void refresh();
+    void refreshHistory();
+    void refreshNodes();
+    void refreshStage();
+    void historyChanged();
+    void handlerChanged();
+    void report(const std::string& text);
+    std::string askFile(const QString& title, const QString& filter, bool save);
+
+    std::unique_ptr<HostSession> _session;
+    std::unique_ptr<OutputWriter> _writer;
+    std::unique_ptr<SessionInterpreter> _interpreter;
+    std::unique_ptr<SessionRecorder> _recorder;
+    std::unique_ptr<UiMainWindow> _mainWindow;
+    QListWidget* _history = nullptr;
+    QListWidget* _nodes = nullptr;
+    QActionGroup* _stages = nullptr;
+    QComboBox* _mode = nullptr;
+    QSpinBox* _frame = nullptr;
+    QLabel* _reports = nullptr;
+    int _listener = 0;
+    bool _refreshing = false;
+    CbMethod<StudioWindow, CbEmptyType> _historyChanged{this, &StudioWindow::historyChanged};
+    CbMethod<StudioWindow, CbEmptyType> _handlerChanged{this, &StudioWindow::handlerChanged};
+};

@@ -1,0 +1,291 @@
+// tessera-studio's window, driven with synthetic window-system events
+// (offscreen): what it records replays in tessera-run to the same setup; its
+// status line reports without closing anything; a screenshot of it after a
+// session shows the viewer, the panels and the history where they belong.
+#include "studioWindow.h"
+
+#include "common/hostSession.h"
+#include "common/sessionInterpreter.h"
+#include "common/sessionRecorder.h"
+#include "common/viewerDriver.h"
+
+#include <base/exReporter.h>
+#include <pluginAPI/piContainer.h>
+#include <pluginAPI/piEventHandler.h>
+#include <pluginAPI/piNode.h>
+#include <pluginAPI/piPath.h>
+#include <ui/uiApplication.h>
+#include <ui/uiViewer.h>
+#include <ui/uiWidgetAdapter.h>
+
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
+#include <QKeyEvent>
+#include <QListWidget>
+#include <QMouseEvent>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+std::string readFile(const std::filesystem::path& p) {
+    std::ifstream in(p);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+void mouse(QWidget* w, QEvent::Type type, const QPointF& at,
+           Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers mods = Qt::NoModifier,
+           Qt::MouseButtons held = Qt::NoButton) {
+    QMouseEvent e(type, at, w->mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : button,
+                  held, mods);
+    QApplication::sendEvent(w, &e);
+}
+
+void click(QWidget* w, const QPointF& at, Qt::KeyboardModifiers mods = Qt::NoModifier) {
+    mouse(w, QEvent::MouseButtonPress, at, Qt::LeftButton, mods, Qt::LeftButton);
+    mouse(w, QEvent::MouseButtonRelease, at, Qt::LeftButton, mods, Qt::NoButton);
+}
+
+void key(QWidget* w, int k, Qt::KeyboardModifiers mods = Qt::NoModifier,
+         const QString& text = QString()) {
+    QKeyEvent press(QEvent::KeyPress, k, mods, text);
+    QApplication::sendEvent(w, &press);
+    QKeyEvent release(QEvent::KeyRelease, k, mods, text);
+    QApplication::sendEvent(w, &release);
+}
+
+class StudioScene : public ::testing::Test {
+protected:
+    StudioScene() { UiApplication::getInstance(); }
+    void SetUp() override {
+        ExReporter::getInstance().clear();
+        dir = std::filesystem::temp_directory_path() /
+              ("tessera-studio-" + std::to_string(::getpid()) + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::remove_all(dir);
+        std::filesystem::create_directories(dir);
+        studio = std::make_unique<StudioWindow>();
+        studio->resize(1400, 860);
+        studio->show();
+        settle();
+    }
+    void TearDown() override {
+        studio.reset();
+        std::filesystem::remove_all(dir);
+    }
+    void settle() {
+        for (int i = 0; i < 4; ++i) {
+            QApplication::processEvents();
+        }
+        HostSession::settle();
+    }
+
+    HostSession& session() const { return studio->getSession(); }
+    UiViewer& viewer() const { return session().getViewer(); }
+    // A widget of a panel, as the window system has it.
+    template <class W>
+    W* widget(const std::string& panel, const std::string& name) const {
+        const RCShdPtr<PiContainer> container = session().getPanel(panel);
+        EXPECT_TRUE(container) << panel;
+        if (!container) {
+            return nullptr;
+        }
+        auto* adapter = dynamic_cast<UiWidgetAdapter*>(container->findWidget(name).get());
+        W* w = adapter ? qobject_cast<W*>(adapter->getLiveWidget()) : nullptr;
+        EXPECT_TRUE(w) << panel << " " << name;
+        return w;
+    }
+    // The window point of a plate point in the studio's viewer.
+    QPointF at(double x, double y) const {
+        const GePoint2<float> p = ViewerDriver::plateToWindow(viewer().getView(), {x, y});
+        return {p.x, p.y};
+    }
+
+    std::filesystem::path dir;
+    std::unique_ptr<StudioWindow> studio;
+};
+
+// Runs tessera-run on a script; its exit status.
+int replay(const std::filesystem::path& script, std::string& out) {
+    const std::string command =
+        std::string(TESSERA_BIN_DIR) + "/tessera-run --quiet " + script.string() + " 2>&1";
+    FILE* pipe = popen(command.c_str(), "r");
+    std::array<char, 4096> buffer{};
+    while (pipe && std::fgets(buffer.data(), buffer.size(), pipe)) {
+        out += buffer.data();
+    }
+    const int status = pipe ? pclose(pipe) : -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(StudioScene, ARecordedSessionReplaysHeadlessToTheSameSetup) {
+    ASSERT_TRUE(studio->perform("plate demo 320 180"));
+    ASSERT_TRUE(studio->perform("keyer variant 1 nodes 2"));
+
+    // The viewer: a drag, a hover, keys, a wheel zoom, more pointer work.
+    mouse(&viewer(), QEvent::MouseMove, at(30, 40));
+    mouse(&viewer(), QEvent::MouseMove, at(31, 41));
+    mouse(&viewer(), QEvent::MouseButtonPress, at(20, 170), Qt::LeftButton, Qt::ShiftModifier,
+          Qt::LeftButton);
+    mouse(&viewer(), QEvent::MouseMove, at(24, 166), Qt::NoButton, Qt::ShiftModifier,
+          Qt::LeftButton);
+    mouse(&viewer(), QEvent::MouseButtonRelease, at(24, 166), Qt::LeftButton, Qt::NoModifier);
+    key(&viewer(), Qt::Key_Escape);
+    QWheelEvent wheel(at(160, 90), viewer().mapToGlobal(at(160, 90)), QPoint(), QPoint(0, 120),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&viewer(), &wheel);
+    click(&viewer(), at(100, 60));
+
+    // The panels, by the window system's own events.
+    auto* degrain = widget<QAbstractButton>("degrain", "degrainOn");
+    ASSERT_TRUE(degrain);
+    click(degrain, degrain->rect().center());
+    EXPECT_TRUE(session().getShownNode()->getDegrainInput()->getTypedValue<bool>(0.0));
+
+    auto* overall = widget<QAbstractSpinBox>("other", "overallField");
+    ASSERT_TRUE(overall);
+    overall->setFocus();
+    key(overall, Qt::Key_A, Qt::ControlModifier);
+    for (const char c : std::string("0.3")) {
+        key(overall, c == '.' ? Qt::Key_Period : Qt::Key_0 + (c - '0'), Qt::NoModifier,
+            QString(QChar(c)));
+    }
+    key(overall, Qt::Key_Return);
+    EXPECT_NEAR(session()
+                    .getShownNode()
+                    ->getMatteParamInput(TsMgTypes::Overall)
+                    ->getTypedValue<double>(0.0),
+                0.3, 1e-9);
+
+    auto* sample = widget<QComboBox>("spill", "sampleMenu");
+    ASSERT_TRUE(sample);
+    sample->setFocus();
+    key(sample, Qt::Key_Down);
+
+    // The studio's own bars and lists.
+    ASSERT_TRUE(studio->perform("frame 4"));
+    ASSERT_TRUE(studio->perform("set spill.range 0.25"));
+    QListWidget& nodes = studio->getNodes();
+    ASSERT_EQ(nodes.count(), 2);
+    click(nodes.viewport(), nodes.visualItemRect(nodes.item(1)).center());
+    EXPECT_EQ(session().getShownNode()->getName(), "keyer2");
+    ASSERT_TRUE(studio->perform("set keyColor1 0.1 0.5 0.1"));
+    // Back one step in the history by clicking it.
+    QListWidget& history = studio->getHistory();
+    const int steps = session().getCommandStack().getStepCount();
+    ASSERT_EQ(history.count(), steps + 1);
+    click(history.viewport(), history.visualItemRect(history.item(steps - 1)).center());
+    EXPECT_EQ(session().getCommandStack().getUndoCount(), steps - 1);
+    settle();
+
+    // What the studio ends with...
+    std::string error;
+    ASSERT_TRUE(session().saveSetup((dir / "studio.tessera").string(), error)) << error;
+    // ... and what tessera-run makes of the recording.
+    const std::string recording = studio->getRecorder().getText();
+    std::ofstream(dir / "recorded.tss")
+        << recording << "save " << (dir / "replayed.tessera").string() << "\n"
+        << "expect undo count == " << session().getCommandStack().getUndoCount() << "\n"
+        << "expect redo count == " << session().getCommandStack().getRedoCount() << "\n"
+        << "expect node == keyer2\nexpect frame == 4\n";
+    std::string out;
+    ASSERT_EQ(replay(dir / "recorded.tss", out), 0) << out << "\n" << recording;
+    EXPECT_EQ(readFile(dir / "replayed.tessera"), readFile(dir / "studio.tessera")) << recording;
+
+    // The recording reads as a session: the view, the gestures and the
+    // widgets by name.
+    EXPECT_NE(recording.find("\nwindow "), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\nzoom "), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\npress 20 170 shift\n"), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\nkey Escape\n"), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\nwidget degrain degrainOn toggle\n"), std::string::npos)
+        << recording;
+    EXPECT_NE(recording.find("\nwidget other overallField set 0.3\n"), std::string::npos)
+        << recording;
+    EXPECT_NE(recording.find("\nwidget spill sampleMenu select \"Adjust Blend\"\n"),
+              std::string::npos)
+        << recording;
+    EXPECT_NE(recording.find("\nselect keyer2\n"), std::string::npos) << recording;
+    // Of the two hover moves only the last was kept.
+    EXPECT_EQ(recording.find("move 30 40"), std::string::npos) << recording;
+    EXPECT_NE(recording.find("move 31 41"), std::string::npos) << recording;
+}
+
+TEST_F(StudioScene, TheStatusLineReportsABadFileAndNothingCloses) {
+    ASSERT_TRUE(studio->perform("plate demo 128 72"));
+    EXPECT_FALSE(studio->openPlate((dir / "missing.exr").string()));
+    EXPECT_NE(studio->getStatusText().toStdString().find("cannot read plate"), std::string::npos)
+        << studio->getStatusText().toStdString();
+    EXPECT_TRUE(studio->isVisible());
+    EXPECT_EQ(session().getPlateName(), "demo");
+    // The failed line is not part of the recording.
+    EXPECT_EQ(studio->getRecorder().getText().find("missing.exr"), std::string::npos);
+    EXPECT_FALSE(studio->perform("viewer colour"));
+    EXPECT_TRUE(studio->perform("frame 2"));
+}
+
+TEST_F(StudioScene, AScreenshotShowsTheKeyedPlateInTheViewerAndThePanels) {
+    ASSERT_TRUE(studio->perform("plate demo 320 180"));
+    ASSERT_TRUE(studio->perform("background demo"));
+    ASSERT_TRUE(studio->perform("set keyColor1 0.075 0.405 0.108"));
+    ASSERT_TRUE(studio->perform("view composite"));
+    settle();
+    const QImage shot = studio->grab().toImage();
+    ASSERT_EQ(shot.size(), studio->size() * studio->devicePixelRatio());
+
+    // The viewer: the plate's extent is drawn, the rest is the viewer's
+    // background; the keyed screen shows the background scene, not green.
+    const QPoint origin = viewer().mapTo(studio.get(), QPoint(0, 0));
+    const QColor empty(38, 38, 40);
+    auto pixel = [&](double x, double y) { return shot.pixelColor(origin + at(x, y).toPoint()); };
+    EXPECT_EQ(shot.pixelColor(origin + QPoint(2, 2)), empty);
+    for (const auto& [x, y] : {std::pair{10.0, 170.0}, {300.0, 160.0}, {20.0, 100.0}}) {
+        const QColor c = pixel(x, y);
+        EXPECT_NE(c, empty);
+        EXPECT_FALSE(c.green() > c.red() + 60 && c.green() > c.blue() + 60)
+            << x << "," << y << " still shows the green screen";
+    }
+    // The subject's face is opaque: as in the plate.
+    const QColor face = pixel(160, 110);
+    EXPECT_GT(face.red(), face.blue());
+
+    // The panels: each stage panel is laid out inside the main panel, and
+    // each shows more than one colour (its widgets).
+    for (const char* name : {"matte", "degrain", "spill", "other"}) {
+        const RCShdPtr<PiContainer> panel = session().getPanel(name);
+        ASSERT_TRUE(panel) << name;
+        auto* adapter = dynamic_cast<UiWidgetAdapter*>(panel.get());
+        QWidget* w = adapter->getLiveWidget();
+        ASSERT_TRUE(w && w->isVisible()) << name;
+        const QRect r(w->mapTo(studio.get(), QPoint(0, 0)), w->size());
+        const QRect visible = r.intersected(studio->rect());
+        if (visible.isEmpty()) {
+            continue; // scrolled out of the dock
+        }
+        std::set<QRgb> colours;
+        for (int y = visible.top(); y < visible.bottom(); y += 3) {
+            for (int x = visible.left(); x < visible.right(); x += 3) {
+                colours.insert(shot.pixel(x, y));
+            }
+        }
+        EXPECT_GT(colours.size(), 3u) << name;
+    }
+    // The history lists the step, under the start.
+    EXPECT_EQ(studio->getHistory().count(), 2);
+    EXPECT_EQ(studio->getHistory().item(1)->text().toStdString(), "keyColor1");
+}
+
+} // namespace
