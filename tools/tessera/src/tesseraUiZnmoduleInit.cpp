@@ -1,9 +1,15 @@
 #include "tesseraUiZnmoduleInit.h"
 #include "tsAddSampleTool.h"
+#include "tsDgEventHandler.h"
+#include "tsDgSampleTool.h"
+#include "tsDgUi.h"
 #include "tsImgPickKeyColorsTool.h"
 #include "tsMgEventHandler.h"
 #include "tsMgSampleMatteTool.h"
 #include "tsMgSamplePatchTool.h"
+#include "tsSpillBlendEventHandler.h"
+#include "tsSpillBlendMfTool.h"
+#include "tsSpillBlendUi.h"
 
 #include <base/inBuildInfoUtil.h>
 #include <base/inInit.h>
@@ -41,6 +47,13 @@ const TsModuleInitialiser initialisers[] = {
     {"tsMgSampleMatteTool", tsMgSampleMatteToolInitialise, tsMgSampleMatteToolFinalise},
     {"tsMgSamplePatchTool", tsMgSamplePatchToolInitialise, tsMgSamplePatchToolFinalise},
     {"tsMgEventHandler", tsMgEventHandlerInitialise, tsMgEventHandlerFinalise},
+    {"tsDgSampleTool", tsDgSampleToolInitialise, tsDgSampleToolFinalise},
+    {"tsDgEventHandler", tsDgEventHandlerInitialise, tsDgEventHandlerFinalise},
+    {"tsDgUi", tsDgUiInitialise, tsDgUiFinalise},
+    {"tsSpillBlendMfTool", tsSpillBlendMfToolInitialise, tsSpillBlendMfToolFinalise},
+    {"tsSpillBlendEventHandler", tsSpillBlendEventHandlerInitialise,
+     tsSpillBlendEventHandlerFinalise},
+    {"tsSpillBlendUi", tsSpillBlendUiInitialise, tsSpillBlendUiFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {nullptr, nullptr, nullptr},
 };
