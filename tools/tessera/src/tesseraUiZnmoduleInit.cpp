@@ -7,9 +7,12 @@
 #include "tsMgEventHandler.h"
 #include "tsMgSampleMatteTool.h"
 #include "tsMgSamplePatchTool.h"
+#include "tsMgUi.h"
 #include "tsSpillBlendEventHandler.h"
 #include "tsSpillBlendMfTool.h"
 #include "tsSpillBlendUi.h"
+#include "tsUiImp.h"
+#include "tsUiImp3.h"
 
 #include <base/inBuildInfoUtil.h>
 #include <base/inInit.h>
@@ -47,6 +50,7 @@ const TsModuleInitialiser initialisers[] = {
     {"tsMgSampleMatteTool", tsMgSampleMatteToolInitialise, tsMgSampleMatteToolFinalise},
     {"tsMgSamplePatchTool", tsMgSamplePatchToolInitialise, tsMgSamplePatchToolFinalise},
     {"tsMgEventHandler", tsMgEventHandlerInitialise, tsMgEventHandlerFinalise},
+    {"tsMgUi", tsMgUiInitialise, tsMgUiFinalise},
     {"tsDgSampleTool", tsDgSampleToolInitialise, tsDgSampleToolFinalise},
     {"tsDgEventHandler", tsDgEventHandlerInitialise, tsDgEventHandlerFinalise},
     {"tsDgUi", tsDgUiInitialise, tsDgUiFinalise},
@@ -55,6 +59,8 @@ const TsModuleInitialiser initialisers[] = {
      tsSpillBlendEventHandlerFinalise},
     {"tsSpillBlendUi", tsSpillBlendUiInitialise, tsSpillBlendUiFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
+    {"tsUiImp", tsUiImpInitialise, tsUiImpFinalise},
+    {"tsUiImp3", tsUiImp3Initialise, tsUiImp3Finalise},
     {nullptr, nullptr, nullptr},
 };
 

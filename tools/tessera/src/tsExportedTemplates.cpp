@@ -5,10 +5,13 @@
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
 #include <base/evEvent.h>
+#include <base/iterator.h>
+#include <base/iteratorEmpty.h>
 #include <base/prdPredicate.h>
 #include <base/rcBasePtr.h>
 #include <base/rcShdPtr.h>
 #include <tessera/tsMgTypes.h>
+#include <ui/uiNodeWidgetFactory.h>
 
 #include <ostream>
 
@@ -34,3 +37,8 @@ template class PrdOrPredicateImp<EvEvent>;
 template class PrdNotPredicateImp<EvEvent>;
 template class PrdAllPredicateImp<EvEvent>;
 template class PrdFunctorPredicateImp<EvEvent>;
+
+// What UiNodeWidget::setContent answers the main panel: the iterator over the
+// items a node widget built, and its implementation over none.
+template class Iterator<UiNodeWidgetFactory::Item>;
+template class IteratorEmpty<UiNodeWidgetFactory::Item>;

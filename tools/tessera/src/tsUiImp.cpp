@@ -1,0 +1,44 @@
+#include "tsUiImp.h"
+
+#include <tessera/tsDgTool.h>
+#include <tessera/tsMgTool.h>
+#include <tessera/tsSpillBlendTool.h>
+
+namespace {
+
+const TsUiImpNames names{"tsMainUiContainer", "tsOtherUi",  "tsSpillBlend", "tsDegrain",
+                         "tsMatteGen",        "sampleMenu", "nodeSelect",   "nodeSelectLabel"};
+
+std::vector<std::string> toolNames;
+
+} // namespace
+
+const TsUiImpNames& TsUiImpFirst::getNames() {
+    return names;
+}
+
+std::vector<std::string>& TsUiImpFirst::getToolNames() {
+    return toolNames;
+}
+
+template class TsUiImp<TsUiImpFirst>;
+
+RCShdPtr<RCBase<LkCounter<int>>> tsUiImpFactory(const RCShdPtr<PiWidget>& widget,
+                                                const RCShdPtr<PiGroupNode>& group,
+                                                const RCShdPtr<const PiTimePath>& timePath) {
+    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpFirst>(widget, group, timePath));
+}
+
+void tsUiImpInitialise() {
+    TsInterface::setInstanceDataFactory(&tsUiImpFactory);
+    // The sample menu's entries, in order.
+    toolNames.clear();
+    toolNames.push_back(TsMgTool::getManipToolName(2));
+    toolNames.push_back(TsMgTool::getManipToolName(3));
+    toolNames.push_back(TsDgTool::getManipToolName(2));
+    toolNames.push_back(TsSpillBlendTool::getManipToolName(2));
+    toolNames.push_back(TsSpillBlendTool::getManipToolName(3));
+}
+
+// The factory stays registered after shut-down.
+void tsUiImpFinalise() {}
