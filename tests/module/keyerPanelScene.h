@@ -14,6 +14,8 @@
 #include <base/rcCast.h>
 #include <base/vwUtils.h>
 #include <gfx/mfCurrentToolEventHandler.h>
+#include <gfx/wsFont.h>
+#include <gfx/wsFontUtils.h>
 #include <internalAPI/snSelection.h>
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piDualState.h>
@@ -111,6 +113,7 @@ public:
         viewer->getMutableView().setZoom(10.0f);
         viewer->getMutableView().setPan({20.0f, 220.0f});
         showGroup();
+        settle();
     }
 
     void tearDown() {
@@ -137,11 +140,14 @@ public:
             new PiTimePath(&time, RCShdPtr<const PiPath>(new PiPath(node))));
     }
 
-    // What the host does after each event: the application's requests, and
-    // the widgets deleted late.
+    // What the host's event loop does after each event: the application's
+    // requests, the layouts (labels hear of their new sizes), and the widgets
+    // deleted late.
     static void settle() {
         UiApplication::getInstance().processRequests();
+        QCoreApplication::sendPostedEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        UiApplication::getInstance().processRequests();
     }
 
     void select(const RCShdPtr<PiNode>& node) {
@@ -157,6 +163,32 @@ public:
         return panel->find<UiLabel>("nodeSelectLabel" + LiStringUtil::convertNb(slot));
     }
     std::string labelText(int slot) const { return label(slot)->getText(); }
+    // Whether the slot's label shows the name as well as its width allows:
+    // whole, or its beginning followed by "...", or nothing when not even
+    // that fits.
+    ::testing::AssertionResult showsName(int slot, const std::string& name) const {
+        const RCShdPtr<UiLabel> l = label(slot);
+        const std::string text = l->getText();
+        const RCShdPtr<WsFont> font = l->getLabel().getFont();
+        const int width = l->getCanvas().getWidth();
+        const std::string& dots = WsFontUtils::Ellipsis;
+        bool ok = false;
+        if (font->getTextWidth(name) <= width) {
+            ok = text == name;
+        } else if (text.empty()) {
+            ok = font->getTextWidth(dots) > width;
+        } else if (text.size() >= dots.size() &&
+                   text.compare(text.size() - dots.size(), dots.size(), dots) == 0) {
+            const std::string kept = text.substr(0, text.size() - dots.size());
+            ok = name.compare(0, kept.size(), kept) == 0 && font->getTextWidth(text) <= width;
+        }
+        if (ok) {
+            return ::testing::AssertionSuccess();
+        }
+        return ::testing::AssertionFailure()
+               << "label " << slot << " shows \"" << text << "\" for \"" << name << "\" in "
+               << width << " pixels";
+    }
     RCShdPtr<UiMenu> mainMenu() const { return panel->find<UiMenu>("sampleMenu"); }
     RCShdPtr<UiNodeWidget> area(const std::string& name) const {
         return panel->find<UiNodeWidget>(name);

