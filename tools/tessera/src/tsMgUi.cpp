@@ -44,8 +44,19 @@ RCShdPtr<T> required(const RCShdPtr<T>& p) {
     return p;
 }
 
+// A widget (or input) the panel cannot do without; ExNullPtr naming it when
+// the panel description (or the node) lacks it.
+template <class T>
+RCShdPtr<T> requiredNamed(const RCShdPtr<T>& widget, const LiString& name) {
+    if (!widget) {
+        RCExUtil::throwExNullPtr((typeNameOf<T>() + " '" + name + "'").c_str());
+    }
+    return widget;
+}
+
+// An input of the node by name; ExNullPtr naming it when the node lacks it.
 RCShdPtr<PiInput> requiredInput(const PiNode& node, const std::string& name) {
-    return required(node.getInput(name));
+    return requiredNamed(node.getInput(name), name);
 }
 
 } // namespace
@@ -142,22 +153,26 @@ TsMgUi::TsMgUi(TsMgInterface& mg, const RCShdPtr<PiWidget>& widget,
     }
     for (int i = 0; i < 2; ++i) {
         _keyColorCbs[i].set(this, &TsMgUi::keyColorToggled, i);
-        _keyColorToggles[i] = required(_container->findWidget<PiDualState>(keyColorToggleNames[i]));
+        _keyColorToggles[i] = requiredNamed(
+            _container->findWidget<PiDualState>(keyColorToggleNames[i]), keyColorToggleNames[i]);
         _keyColorToggles[i]->addCallback(PiWidget::Activated, &_keyColorCbs[i]);
     }
     _reset = _container->findWidget("reset");
     if (_reset) {
         _reset->addCallback(PiWidget::Activated, &_resetCb);
     }
-    _patchSelectMenu = required(_container->findWidget<PiMenu>("patchSelectMenu"));
+    _patchSelectMenu =
+        requiredNamed(_container->findWidget<PiMenu>("patchSelectMenu"), "patchSelectMenu");
     _patchSelectMenu->addCallback(PiWidget::Activated, &_patchSelectCb);
     fillPatchMenu();
 
     const RCShdPtr<UiWidgetAdapter> mode =
-        required(_container->findWidget<UiWidgetAdapter>("patchModeMenu"));
+        requiredNamed(_container->findWidget<UiWidgetAdapter>("patchModeMenu"), "patchModeMenu");
     _patchModeMenu = rcCast<UiMenu>(mode->getUiWidget());
-    _patchRange = UiInputValueEditor::getValueEditor(_container, "patchRange");
-    _patchSoft = UiInputValueEditor::getValueEditor(_container, "patchSoft");
+    _patchRange =
+        requiredNamed(UiInputValueEditor::getValueEditor(_container, "patchRange"), "patchRange");
+    _patchSoft =
+        requiredNamed(UiInputValueEditor::getValueEditor(_container, "patchSoft"), "patchSoft");
     bindPatchWidgets();
 
     _mg.addCallback<PiNodeEvent::ValueChanged>(&_valueChangedCb);

@@ -206,6 +206,16 @@ RCShdPtr<T> required(const RCShdPtr<T>& p) {
     return p;
 }
 
+// A widget (or input) the panel cannot do without; ExNullPtr naming it when
+// the panel description (or the group) lacks it.
+template <class T>
+RCShdPtr<T> requiredNamed(const RCShdPtr<T>& widget, const LiString& name) {
+    if (!widget) {
+        RCExUtil::throwExNullPtr((typeNameOf<T>() + " '" + name + "'").c_str());
+    }
+    return widget;
+}
+
 inline RCShdPtr<PiCurrentToolEventHandler> currentToolHandler() {
     return rcTestCast<PiCurrentToolEventHandler>(
         PiEventHandlingInterface::getInstance().getCurrentEventHandler());
@@ -218,6 +228,7 @@ TsUiImp<Variant>::TsUiImp(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGro
                           const RCShdPtr<const PiTimePath>&)
     : _container(rcCastRequired<PiContainer>(widget)) {
     using TsUiImpDetail::required;
+    using TsUiImpDetail::requiredNamed;
     const TsUiImpNames& names = Variant::getNames();
     _mainUiContainer = _container->findWidget(names.mainUiContainer);
     _otherUi = _container->findWidget<PiNodeWidget>(names.otherUi);
@@ -253,7 +264,8 @@ TsUiImp<Variant>::TsUiImp(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGro
         PiGraphObjectPredicateSnItemAdapter<PiNode>::create(PiIsNode::create(groupNode) || inGroup);
     if constexpr (Variant::FollowsSelectedNodesValue) {
         _child = PiGraphObjectPredicateSnItemAdapter<PiNode>::create(inGroup);
-        _selectedNodes = required(group->getInput(TsTool3::getSelectedNodesName()));
+        _selectedNodes = requiredNamed(group->getInput(TsTool3::getSelectedNodesName()),
+                                       TsTool3::getSelectedNodesName());
         _changingKeyer = false;
     } else {
         _child = PiGraphObjectPredicateSnItemAdapter<PiNode>::create(
@@ -265,10 +277,12 @@ TsUiImp<Variant>::TsUiImp(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGro
 
     for (int i = 0; i < SlotCount; ++i) {
         const LiString number = LiStringUtil::convertNb(i);
-        _toggles[i] = required(_container->findWidget<PiDualState>(names.nodeSelect + number));
+        const LiString toggleName = names.nodeSelect + number;
+        _toggles[i] = requiredNamed(_container->findWidget<PiDualState>(toggleName), toggleName);
         _toggles[i]->addCallback(PiWidget::StateChanged, &_toggleChangedCbs[i]);
         _toggles[i]->addCallback(PiWidget::Activated, &_togglePressedCbs[i]);
-        _labels[i] = required(_container->findWidget<PiLabel>(names.nodeSelectLabel + number));
+        const LiString labelName = names.nodeSelectLabel + number;
+        _labels[i] = requiredNamed(_container->findWidget<PiLabel>(labelName), labelName);
         setLabel(i);
         _labels[i]->addCallback(PiWidget::Resized, &_labelResizedCbs[i]);
         attachNameHandler(i);
