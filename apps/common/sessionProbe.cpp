@@ -100,7 +100,7 @@ SessionProbe::SessionProbe(HostSession& session)
     });
     addQuery(
         "inputs", [this](SessionArgs& args) { return std::to_string(inputs(args).size()); },
-        [this](SessionArgs& args) { return inputs(args); });
+        [this](SessionArgs& args) { return inputs(args); }, true);
     addQuery("frame", [this](SessionArgs&) { return SessionArgs::format(_session.getFrame()); });
     addQuery(
         "undo",
@@ -193,8 +193,9 @@ SessionProbe::SessionProbe(HostSession& session)
     });
 }
 
-void SessionProbe::addQuery(const std::string& word, Query query, Listing listing) {
-    _queries[word] = Entry{std::move(query), std::move(listing)};
+void SessionProbe::addQuery(const std::string& word, Query query, Listing listing,
+                            bool listingTakesArguments) {
+    _queries[word] = Entry{std::move(query), std::move(listing), listingTakesArguments};
 }
 
 std::string SessionProbe::value(SessionArgs& args) {
@@ -209,7 +210,8 @@ std::string SessionProbe::value(SessionArgs& args) {
 std::vector<std::string> SessionProbe::listing(SessionArgs& args) {
     const std::string what = args.peek();
     const auto it = _queries.find(what);
-    if (it != _queries.end() && it->second.listing) {
+    if (it != _queries.end() && it->second.listing &&
+        (it->second.listingTakesArguments || args.remaining() == 1)) {
         args.word("what to read");
         return it->second.listing(args);
     }
@@ -402,41 +404,83 @@ std::vector<std::string> SessionProbe::undoListing() const {
 
 namespace {
 
-void listManipulators(const MfManipulator& m, const VwView& view, int depth,
-                      std::vector<std::string>& lines) {
-    if (!m.isShown()) {
-        return;
+bool sameItem(const WsRecordingPainter::Item& a, const WsRecordingPainter::Item& b) {
+    return a.kind == b.kind && a.x0 == b.x0 && a.y0 == b.y0 && a.x1 == b.x1 && a.y1 == b.y1 &&
+           a.text == b.text;
+}
+
+// What a tool shows: a manipulator whose state shows it is drawn only when
+// the tool draws it (a tool may keep its manipulators and not draw them).
+class ToolDrawing {
+public:
+    ToolDrawing(const MfTool& tool, const VwView& view)
+        : _view(view) {
+        _view.setPainter(&_drawn);
+        tool.draw(_view);
+        _view.setPainter(nullptr);
     }
-    const auto* bar = dynamic_cast<const MfRangeManipulator*>(&m);
-    std::string name = bar ? bar->getName() : dynamicTypeNameOf(m);
+
+    // Drawn: what the manipulator draws (alone, without its children when
+    // it has any) is in the tool's drawing. A manipulator that draws nothing
+    // counts as drawn when the tool draws anything.
+    bool isDrawn(const MfManipulator& m) {
+        if (!m.isShown()) {
+            return false;
+        }
+        WsRecordingPainter own;
+        _view.setPainter(&own);
+        m.draw(_view);
+        _view.setPainter(nullptr);
+        if (own.isEmpty()) {
+            return !_drawn.isEmpty();
+        }
+        const auto& mine = own.getItems();
+        const auto& all = _drawn.getItems();
+        return std::search(all.begin(), all.end(), mine.begin(), mine.end(), sameItem) != all.end();
+    }
+
+    const VwView& getView() const { return _view; }
+
+private:
+    VwView _view;
+    WsRecordingPainter _drawn;
+};
+
+GePoint2<float> centreOf(const MfManipulator& m, const VwView& view) {
     GePoint2<float> origin{0.0f, 0.0f};
-    if (bar) {
+    if (const auto* bar = dynamic_cast<const MfRangeManipulator*>(&m)) {
         const GeRectangle<float>& r = bar->getRectangle();
         origin = {(r.getXMin() + r.getXMax()) / 2, (r.getYMin() + r.getYMax()) / 2};
     }
-    const GePoint2<float> window = m.getLocalToWindow(view).transformPoint(origin);
-    const GePoint2<double> plate = ViewerDriver::windowToPlate(view, window);
+    return m.getLocalToWindow(view).transformPoint(origin);
+}
+
+void listManipulators(const MfManipulator& m, ToolDrawing& drawing, int depth,
+                      std::vector<std::string>& lines) {
+    const auto* bar = dynamic_cast<const MfRangeManipulator*>(&m);
+    const std::string name = bar ? bar->getName() : dynamicTypeNameOf(m);
+    const GePoint2<double> plate =
+        ViewerDriver::windowToPlate(drawing.getView(), centreOf(m, drawing.getView()));
     lines.push_back(std::string(2 * depth, ' ') + SessionScript::quote(name) + " state " +
                     std::to_string(m.getState()) + " at " + SessionArgs::format(plate.x) + " " +
-                    SessionArgs::format(plate.y));
+                    SessionArgs::format(plate.y) + (drawing.isDrawn(m) ? "" : " (not shown)"));
     for (int i = 0; i < m.getChildCount(); ++i) {
-        listManipulators(*m.getChild(i), view, depth + 1, lines);
+        listManipulators(*m.getChild(i), drawing, depth + 1, lines);
     }
 }
 
-void collectBars(const MfManipulator& m, const VwView& view,
+void collectBars(const MfManipulator& m, ToolDrawing& drawing,
                  std::vector<std::pair<float, std::string>>& bars) {
     if (!m.isShown()) {
         return;
     }
     if (const auto* bar = dynamic_cast<const MfRangeManipulator*>(&m)) {
-        const GeRectangle<float>& r = bar->getRectangle();
-        const GePoint2<float> centre{(r.getXMin() + r.getXMax()) / 2,
-                                     (r.getYMin() + r.getYMax()) / 2};
-        bars.emplace_back(m.getLocalToWindow(view).transformPoint(centre).y, bar->getName());
+        if (drawing.isDrawn(m)) {
+            bars.emplace_back(centreOf(m, drawing.getView()).y, bar->getName());
+        }
     }
     for (int i = 0; i < m.getChildCount(); ++i) {
-        collectBars(*m.getChild(i), view, bars);
+        collectBars(*m.getChild(i), drawing, bars);
     }
 }
 
@@ -451,8 +495,9 @@ std::vector<std::string> SessionProbe::manipulators() const {
         return lines;
     }
     exContain("probe: manipulators", [&] {
+        ToolDrawing drawing(*tool, viewer.getView());
         for (const auto& m : *tool) {
-            listManipulators(*m, viewer.getView(), 0, lines);
+            listManipulators(*m, drawing, 0, lines);
         }
     });
     return lines;
@@ -465,8 +510,9 @@ std::string SessionProbe::bars() const {
     const RCShdPtr<MfTool> tool = handler ? handler->getCurrentMfTool() : RCShdPtr<MfTool>();
     if (tool) {
         exContain("probe: bars", [&] {
+            ToolDrawing drawing(*tool, viewer.getView());
             for (const auto& m : *tool) {
-                collectBars(*m, viewer.getView(), found);
+                collectBars(*m, drawing, found);
             }
         });
     }

@@ -35,7 +35,10 @@ public:
     // "WHAT = value".
     std::vector<std::string> listing(SessionArgs& args);
 
-    void addQuery(const std::string& word, Query query, Listing listing = Listing());
+    // A listing that takes no arguments is used only for the word alone
+    // ("print undo" lists, "print undo count" answers the value).
+    void addQuery(const std::string& word, Query query, Listing listing = Listing(),
+                  bool listingTakesArguments = false);
 
     // --- shared with the interpreter
     // An input named [NODE/]NAME: NODE is a node of the keyer group or the
@@ -54,6 +57,7 @@ private:
     struct Entry {
         Query value;
         Listing listing;
+        bool listingTakesArguments = false;
     };
     std::vector<std::string> inputs(SessionArgs& args);
     std::vector<std::string> undoListing() const;

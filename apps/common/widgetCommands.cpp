@@ -298,5 +298,6 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
                 lines.push_back("  " + describe(*w));
             }
             return lines;
-        });
+        },
+        true);
 }

@@ -4,9 +4,9 @@
 #include "common/hostSession.h"
 #include "common/imageCommands.h"
 #include "common/outputWriter.h"
-#include "common/widgetCommands.h"
 #include "common/sessionInterpreter.h"
 #include "common/sessionScript.h"
+#include "common/widgetCommands.h"
 #include "demoSession.h"
 
 #include <QByteArray>
@@ -45,7 +45,7 @@ class Progress {
 public:
     void operator()(std::size_t done, std::size_t total) {
         const auto now = std::chrono::steady_clock::now();
-        if (now - _start < std::chrono::seconds(1) || (done < total && now - _last < _every)) {
+        if (done == total || now - _start < std::chrono::seconds(1) || now - _last < _every) {
             return;
         }
         _last = now;

@@ -113,3 +113,30 @@ TEST_F(TesseraRunScene, PrintGoesToStandardOutput) {
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(TesseraRunScene, WithoutArgumentsTheDemoKeysTheDemoPlateAndWritesItsOutputs) {
+    const Result r = run("cd " + dir.string() + " && " + runner + " --quiet");
+    ASSERT_EQ(r.status, 0) << r.out;
+    for (const char* file :
+         {"matte.exr", "comp.png", "status.png", "viewer.png", "setup.tessera", "summary.txt"}) {
+        EXPECT_TRUE(std::filesystem::exists(dir / "out" / file)) << file;
+    }
+    std::ifstream in(dir / "out/summary.txt");
+    const std::string summary((std::istreambuf_iterator<char>(in)),
+                              std::istreambuf_iterator<char>());
+    EXPECT_NE(r.out.find(summary), std::string::npos) << "the demo prints its summary";
+    for (const char* part : {"plate:      demo (1280 x 720)", "  inside   ", "  outside  ",
+                             "  edges    ", "undo history: ", "  1. Pick Key Colour\n"}) {
+        EXPECT_NE(summary.find(part), std::string::npos) << part << "\n" << summary;
+    }
+    // The written setup loads back into a session of its own.
+    std::ofstream(dir / "check.tss") << "load out/setup.tessera\n"
+                                     << "expect input overall ~ 0.3 within 0.01\n"
+                                     << "expect input spill.amount == 0.8\n";
+    const Result check = run("cd " + dir.string() + " && " + runner + " --quiet check.tss");
+    EXPECT_EQ(check.status, 0) << check.out;
+}
+
+} // namespace
