@@ -327,6 +327,7 @@ TEST_F(MatteGenPanel, FollowsTheHandlerOfANewViewer) {
     // The first viewer's tool changes are no longer the panel's.
     handler()->setCurrentTool(toolName(1));
     EXPECT_FALSE(keyToggle(1)->getState());
+    h.reset(); // a viewer's handler goes with its viewer
     second.reset();
 }
 
