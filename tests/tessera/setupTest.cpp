@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -230,6 +232,14 @@ TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
     ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
     EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 1\n", 0), 0u);
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
+    // An ordinary document: readable by others as the umask allows, not
+    // private like the temporary file it was written through.
+    const mode_t mask = ::umask(022);
+    ASSERT_TRUE(TsSetup::save(*group, path("shared.setup")));
+    ::umask(mask);
+    EXPECT_EQ(fs::status(path("shared.setup")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
+                  fs::perms::others_read);
     LiString error;
     EXPECT_FALSE(TsSetup::save(*group, path("missing/shot.setup"), &error));
     EXPECT_NE(error.find("missing/shot.setup"), std::string::npos) << error;

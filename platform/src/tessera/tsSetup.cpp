@@ -19,6 +19,7 @@
 #include <set>
 #include <sstream>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -673,8 +674,16 @@ bool TsSetup::save(const PiNode& keyer, const LiString& path, LiString* error) {
         reportFailure(path, std::string("cannot write the setup: ") + std::strerror(errno), error);
         return false;
     }
+    // mkstemp makes the file private; a setup is an ordinary document and
+    // gets the permissions the user's umask gives new files.
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
     bool ok = true;
     std::string reason;
+    if (::fchmod(fd, 0666 & ~mask) != 0) {
+        ok = false;
+        reason = std::strerror(errno);
+    }
     for (std::size_t done = 0; ok && done < text.size();) {
         const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
         if (n < 0) {
