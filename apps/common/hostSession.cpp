@@ -17,6 +17,7 @@
 #include <tessera/tsSetup.h>
 #include <ui/uiApplication.h>
 #include <ui/uiHotkeyRegistry.h>
+#include <ui/uiMainWindow.h>
 #include <ui/uiNodeWidget.h>
 #include <ui/uiPanel.h>
 #include <ui/uiViewer.h>
@@ -81,6 +82,10 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
     _imageSource = std::make_unique<KeyerImageSource>(*_viewer);
     UiWorkspace::getInstance().addViewer(_viewer.get());
     _mainPanel = std::make_unique<UiPanel>("main", panelParent);
+    if (!UiApplication::getInstance().getMainWindow()) {
+        _mainWindow = std::make_unique<UiMainWindow>(_viewer->window());
+        UiApplication::getInstance().setMainWindow(_mainWindow.get());
+    }
     SnSelection::getCurrent()->attachObserver(this);
     makeKeyer(1, 1);
 }
@@ -92,6 +97,9 @@ HostSession::~HostSession() {
     // still lives.
     exContain("session: closing the panels", [&] { _mainPanel.reset(); });
     UiWorkspace::getInstance().removeViewer(_viewer.get());
+    if (_mainWindow && UiApplication::getInstance().getMainWindow() == _mainWindow.get()) {
+        UiApplication::getInstance().setMainWindow(nullptr);
+    }
     _imageSource.reset();
     exContain("session: closing the viewer", [&] { _viewer.reset(); });
     _shown.reset();

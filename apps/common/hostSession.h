@@ -20,6 +20,7 @@
 
 class QWidget;
 class PiContainer;
+class UiMainWindow;
 class UiPanel;
 class UiViewer;
 class MsgFileGuard;
@@ -43,6 +44,10 @@ class TsDemoPlate;
 // Plates are the host's wiring: they are put on every keyer node's image
 // input (and the background on its background input) without an undo step,
 // and again on keyer nodes that a setup load adds.
+//
+// Widgets that pick from any viewer (a panel's key-colour pick) find the
+// viewer through the application's main window: unless the program set one,
+// the session makes the viewer's window the main window.
 //
 // The keyer group's main panel is the session's too: its areas show the
 // stage panels ("matte", "degrain", "spill", "other") of the shown node. Its
@@ -148,6 +153,7 @@ private:
     std::unique_ptr<UiViewer> _viewer;
     std::unique_ptr<KeyerImageSource> _imageSource;
     std::unique_ptr<UiPanel> _mainPanel;
+    std::unique_ptr<UiMainWindow> _mainWindow;
     RCShdPtr<PiGraph> _graph;
     RCShdPtr<TsKeyerGroup> _group;
     RCShdPtr<TsKeyerNode> _shown;

@@ -15,6 +15,7 @@
 #include <internalAPI/snSelection.h>
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
+#include <ui/uiApplication.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiViewer.h>
 
@@ -130,8 +131,10 @@ SessionProbe::SessionProbe(HostSession& session)
         return join(undone);
     });
     addQuery("cursor", [&viewer](SessionArgs&) {
-        RCShdPtr<WsCursor> cursor;
-        if (const RCShdPtr<PiEventHandler> handler = viewer.getCurrentEventHandler()) {
+        // An override cursor (a pick from a panel) shows over every window.
+        RCShdPtr<WsCursor> cursor = UiApplication::getInstance().getOverrideCursor();
+        if (const RCShdPtr<PiEventHandler> handler = viewer.getCurrentEventHandler();
+            handler && !cursor) {
             exContain("probe: cursor", [&] { cursor = MfEventHandlerUtil::getCursor(*handler); });
         }
         return cursor ? cursor->getName() : WsCursorRegistry::Default;

@@ -213,7 +213,15 @@ bool SessionRecorder::isViewer(QObject* object) const {
 }
 
 bool SessionRecorder::eventFilter(QObject* watched, QEvent* event) {
-    if (_paused || !isViewer(watched)) {
+    if (_paused) {
+        return false;
+    }
+    if (!isViewer(watched)) {
+        // A user's action on a panel begins with a press: by then the
+        // panels' widgets built since the last action are listened to.
+        if (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::KeyPress) {
+            refresh();
+        }
         return false;
     }
     switch (event->type()) {

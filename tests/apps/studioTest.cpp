@@ -149,6 +149,35 @@ TEST_F(StudioScene, ARecordedSessionReplaysHeadlessToTheSameSetup) {
     QApplication::sendEvent(&viewer(), &wheel);
     click(&viewer(), at(100, 60));
 
+    // The tools: the hotkey of the sample-matte tool typed in the viewer, a
+    // sample on the subject's edge, its top bar dragged, the column
+    // dismissed.
+    key(&viewer(), Qt::Key_M, Qt::NoModifier, "m");
+    EXPECT_EQ(session().getTool(), "Sample Matte");
+    click(&viewer(), at(178, 120));
+    mouse(&viewer(), QEvent::MouseButtonPress, at(178, 120), Qt::LeftButton, Qt::NoModifier,
+          Qt::LeftButton);
+    for (int dx = 3; dx <= 30; dx += 3) {
+        mouse(&viewer(), QEvent::MouseMove, at(178 + dx, 121), Qt::NoButton, Qt::NoModifier,
+              Qt::LeftButton);
+    }
+    mouse(&viewer(), QEvent::MouseButtonRelease, at(208, 121), Qt::LeftButton);
+    EXPECT_EQ(session().getCommandStack().getUndoName(), "Set Matte Parameter");
+    key(&viewer(), Qt::Key_Escape);
+
+    // The main panel's slot toggle, and a key colour picked through the
+    // matte panel's toggle.
+    auto* slot2 = widget<QAbstractButton>("main", "nodeSelect1");
+    ASSERT_TRUE(slot2);
+    click(slot2, slot2->rect().center());
+    EXPECT_EQ(session().getShownNode()->getName(), "keyer2");
+    auto* pick = widget<QAbstractButton>("matte", "keyColor2Toggle");
+    ASSERT_TRUE(pick);
+    click(pick, pick->rect().center());
+    click(&viewer(), at(300, 170));
+    EXPECT_EQ(session().getCommandStack().getUndoName(), "Pick Key Colour");
+    ASSERT_TRUE(studio->perform("select keyer1"));
+
     // The panels, by the window system's own events.
     auto* degrain = widget<QAbstractButton>("degrain", "degrainOn");
     ASSERT_TRUE(degrain);
@@ -211,6 +240,10 @@ TEST_F(StudioScene, ARecordedSessionReplaysHeadlessToTheSameSetup) {
     EXPECT_NE(recording.find("\nzoom "), std::string::npos) << recording;
     EXPECT_NE(recording.find("\npress 20 170 shift\n"), std::string::npos) << recording;
     EXPECT_NE(recording.find("\nkey Escape\n"), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\nhotkey \"Sample Matte\"\n"), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\nwidget main nodeSelect1 toggle\n"), std::string::npos) << recording;
+    EXPECT_NE(recording.find("\nwidget matte keyColor2Toggle toggle\n"), std::string::npos)
+        << recording;
     EXPECT_NE(recording.find("\nwidget degrain degrainOn toggle\n"), std::string::npos)
         << recording;
     EXPECT_NE(recording.find("\nwidget other overallField set 0.3\n"), std::string::npos)
