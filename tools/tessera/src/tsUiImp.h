@@ -176,8 +176,8 @@ private:
     RCWeakPtr<Interface> _keyer;
     RCWeakPtr<PiGraph> _graph;
     RCShdPtr<SnSelection> _selection;
-    // The group or a node directly inside it; a keyer node of the group (no
-    // boundary node in the first variant).
+    // The group or a node directly inside it; a node directly inside it (not
+    // a boundary node, in the first variant).
     SnItemPredicate _groupOrChild;
     SnItemPredicate _child;
     CbMethod<TsUiImp, CbEmptyType> _eventHandlerChangedCb;
