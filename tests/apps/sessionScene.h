@@ -7,9 +7,9 @@
 #include "common/hostSession.h"
 #include "common/imageCommands.h"
 #include "common/outputWriter.h"
-#include "common/widgetCommands.h"
 #include "common/sessionInterpreter.h"
 #include "common/sessionScript.h"
+#include "common/widgetCommands.h"
 
 #include <base/exReporter.h>
 #include <pluginAPI/piEventHandler.h>
