@@ -1,0 +1,185 @@
+#include "tesseraUiZnmoduleInit.h"
+
+#include <base/exReporter.h>
+#include <resmgt/msgFileGuard.h>
+#include <resmgt/msgServer.h>
+#include <tessera/tsDgInterface.h>
+#include <tessera/tsInterface.h>
+#include <tessera/tsInterface3.h>
+#include <tessera/tsMgInterface.h>
+#include <tessera/tsSpillBlendInterface.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// What the module registers with the keyer library, as the keyer's own
+// registries answer it.
+struct Registration {
+    std::string name;
+    std::function<bool()> held;
+};
+
+const std::vector<Registration>& registrations() {
+    static const std::vector<Registration> all{
+        {"matte handler", [] { return TsMgInterface::getEhFactory() != nullptr; }},
+        {"matte panel", [] { return TsMgInterface::getUiFactory() != nullptr; }},
+        {"degrain handler", [] { return TsDgInterface::getEhFactory() != nullptr; }},
+        {"degrain panel", [] { return TsDgInterface::getUiFactory() != nullptr; }},
+        {"spill handler", [] { return TsSpillBlendInterface::getEhFactory() != nullptr; }},
+        {"spill panel", [] { return TsSpillBlendInterface::getUiFactory() != nullptr; }},
+        {"main panel", [] { return TsInterface::getInstanceDataFactory() != nullptr; }},
+        {"main panel 3", [] { return TsInterface3::getInstanceDataFactory() != nullptr; }},
+    };
+    return all;
+}
+
+std::vector<std::string> held() {
+    std::vector<std::string> names;
+    for (const Registration& r : registrations()) {
+        if (r.held()) {
+            names.push_back(r.name);
+        }
+    }
+    return names;
+}
+
+// The names in `a` that are not in `b`.
+std::vector<std::string> minus(const std::vector<std::string>& a,
+                               const std::vector<std::string>& b) {
+    std::vector<std::string> out;
+    for (const std::string& s : a) {
+        if (std::find(b.begin(), b.end(), s) == b.end()) {
+            out.push_back(s);
+        }
+    }
+    return out;
+}
+
+using Changes = std::vector<std::pair<std::string, std::string>>; // source, registration
+
+// The module as the host started it: every initialiser of the table has run
+// once. The tests below run the finalisers and initialisers of the table
+// again, one source at a time, and watch the keyer's registries change; they
+// leave the module started as they found it.
+class ModuleStartup : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ExReporter::getInstance().clear();
+        table = tsModuleInitialisers(count);
+    }
+    void TearDown() override {
+        EXPECT_EQ(held().size(), registrations().size()) << "the module is left started";
+        for (const auto& r : ExReporter::getInstance().getReports()) {
+            ADD_FAILURE() << r.text();
+        }
+        ExReporter::getInstance().clear();
+    }
+
+    // Shut-down: the finalisers, the last source first.
+    Changes shutDown() {
+        Changes withdrawn;
+        for (int i = count; i-- > 0;) {
+            const std::vector<std::string> before = held();
+            table[i].fini();
+            for (const std::string& name : minus(before, held())) {
+                withdrawn.emplace_back(table[i].source, name);
+            }
+            EXPECT_TRUE(minus(held(), before).empty()) << table[i].source;
+        }
+        return withdrawn;
+    }
+    // Start-up: the initialisers in order, with the catalogue open.
+    Changes startUp() {
+        Changes registered;
+        const MsgFileGuard guard("tessera.msg");
+        for (int i = 0; i < count; ++i) {
+            const std::vector<std::string> before = held();
+            table[i].init();
+            for (const std::string& name : minus(held(), before)) {
+                registered.emplace_back(table[i].source, name);
+            }
+        }
+        return registered;
+    }
+
+    const TsModuleInitialiser* table = nullptr;
+    int count = 0;
+};
+
+TEST_F(ModuleStartup, RunsTheFourteenSourcesInTheirOrder) {
+    std::vector<std::string> sources;
+    for (int i = 0; i < count; ++i) {
+        sources.emplace_back(table[i].source);
+    }
+    EXPECT_EQ(sources, (std::vector<std::string>{
+                           "tsAddSampleTool", "tsMgSampleMatteTool", "tsMgSamplePatchTool",
+                           "tsMgEventHandler", "tsMgUi", "tsDgSampleTool", "tsDgEventHandler",
+                           "tsDgUi", "tsSpillBlendMfTool", "tsSpillBlendEventHandler",
+                           "tsSpillBlendUi", "tsImgPickKeyColorsTool", "tsUiImp", "tsUiImp3"}));
+}
+
+TEST_F(ModuleStartup, RegisteredItsSixSubscriptionsInStartUpOrder) {
+    std::vector<std::string> ids;
+    for (const std::string& id : MsgServer::getInstance().getRegisteredIds()) {
+        if (id.rfind("MSG_TS_", 0) == 0) {
+            ids.push_back(id);
+        }
+    }
+    EXPECT_EQ(ids, (std::vector<std::string>{"MSG_TS_SET_MATTE_SAMPLE", "MSG_TS_SET_PATCH_SAMPLE",
+                                             "MSG_TS_SET_DEGRAIN_SAMPLE", "MSG_TS_SET_SPILL",
+                                             "MSG_TS_SET_BLEND", "MSG_TS_SET_KEY_COLOR"}));
+    // Each resolved its text from the catalogue held open during start-up.
+    const MsgFileGuard guard("tessera.msg");
+    for (const std::string& id : ids) {
+        EXPECT_NE(MsgServer::getInstance().lookup(id), id) << id;
+    }
+}
+
+TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesTheMainPanels) {
+    ASSERT_EQ(held().size(), registrations().size());
+    const auto mgEh = TsMgInterface::getEhFactory();
+    const auto mainPanel = TsInterface::getInstanceDataFactory();
+    const auto mainPanel3 = TsInterface3::getInstanceDataFactory();
+
+    EXPECT_EQ(shutDown(), (Changes{{"tsSpillBlendUi", "spill panel"},
+                                   {"tsSpillBlendEventHandler", "spill handler"},
+                                   {"tsDgUi", "degrain panel"},
+                                   {"tsDgEventHandler", "degrain handler"},
+                                   {"tsMgUi", "matte panel"},
+                                   {"tsMgEventHandler", "matte handler"}}));
+    EXPECT_EQ(held(), (std::vector<std::string>{"main panel", "main panel 3"}));
+    EXPECT_EQ(TsInterface::getInstanceDataFactory(), mainPanel);
+    EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanel3);
+
+    // Started again (the instance-data factories cleared first, to see them
+    // come back): each source registers its factory in table order.
+    TsInterface::setInstanceDataFactory(nullptr);
+    TsInterface3::setInstanceDataFactory(nullptr);
+    EXPECT_EQ(startUp(), (Changes{{"tsMgEventHandler", "matte handler"},
+                                  {"tsMgUi", "matte panel"},
+                                  {"tsDgEventHandler", "degrain handler"},
+                                  {"tsDgUi", "degrain panel"},
+                                  {"tsSpillBlendEventHandler", "spill handler"},
+                                  {"tsSpillBlendUi", "spill panel"},
+                                  {"tsUiImp", "main panel"},
+                                  {"tsUiImp3", "main panel 3"}}));
+    EXPECT_EQ(TsMgInterface::getEhFactory(), mgEh);
+    EXPECT_EQ(TsInterface::getInstanceDataFactory(), mainPanel);
+    EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanel3);
+}
+
+TEST_F(ModuleStartup, StartingTwiceIsHarmless) {
+    const std::vector<std::string> ids = MsgServer::getInstance().getRegisteredIds();
+    EXPECT_TRUE(startUp().empty()); // everything already held
+    EXPECT_EQ(MsgServer::getInstance().getRegisteredIds(), ids);
+    EXPECT_EQ(held().size(), registrations().size());
+}
+
+} // namespace
