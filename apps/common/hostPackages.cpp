@@ -3,9 +3,18 @@
 #include <base/inBuildInfoUtil.h>
 #include <base/inPackageManager.h>
 #include <resmgt/liResourcePath.h>
+#include <resmgt/msgServer.h>
+#include <tessera/tsDgInterface.h>
+#include <tessera/tsInterface.h>
+#include <tessera/tsInterface3.h>
+#include <tessera/tsMgInterface.h>
+#include <tessera/tsSpillBlendInterface.h>
 
 #include <cstdlib>
 #include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
 
 std::string HostPackages::defaultModulePath() {
     if (const char* env = std::getenv("TESSERA_MODULE")) {
@@ -26,10 +35,40 @@ bool HostPackages::loadAndStart(const std::string& modulePath) {
     return manager.startAll() == 0 && ok;
 }
 
-void HostPackages::shutdownAndUnload() {
+void HostPackages::shutdownAndUnload(std::ostream* report) {
     auto& manager = InPackageManager::getInstance();
     manager.shutdownAll();
+    if (report) {
+        printRegistrations(*report, "after shut-down");
+    }
     manager.unloadModules();
+}
+
+void HostPackages::printRegistrations(std::ostream& os, const char* when) {
+    const std::pair<const char*, bool> factories[] = {
+        {"matte-generation handler", TsMgInterface::getEhFactory() != nullptr},
+        {"matte-generation panel", TsMgInterface::getUiFactory() != nullptr},
+        {"degrain handler", TsDgInterface::getEhFactory() != nullptr},
+        {"degrain panel", TsDgInterface::getUiFactory() != nullptr},
+        {"spill-and-blend handler", TsSpillBlendInterface::getEhFactory() != nullptr},
+        {"spill-and-blend panel", TsSpillBlendInterface::getUiFactory() != nullptr},
+        {"main panel", TsInterface::getInstanceDataFactory() != nullptr},
+        {"main panel (second generation)", TsInterface3::getInstanceDataFactory() != nullptr},
+    };
+    os << "registrations " << when << ":\n  keyer factories:";
+    bool any = false;
+    for (const auto& [name, held] : factories) {
+        if (held) {
+            os << (any ? ", " : " ") << name;
+            any = true;
+        }
+    }
+    os << (any ? "" : " none") << "\n  message subscriptions:";
+    const std::vector<std::string> ids = MsgServer::getInstance().getRegisteredIds();
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        os << (i ? ", " : " ") << ids[i];
+    }
+    os << (ids.empty() ? " none" : "") << "\n";
 }
 
 void HostPackages::printPackages(std::ostream& os) {

@@ -16,10 +16,18 @@ public:
     static bool loadAndStart(const std::string& modulePath);
 
     // Shuts every package down (the last started first) and unloads the
-    // module.
-    static void shutdownAndUnload();
+    // module. With `report`, what the module still holds after the shut-down
+    // is listed there (printRegistrations) before the module goes.
+    static void shutdownAndUnload(std::ostream* report = nullptr);
 
     // One block per package: name, state, dependencies in declared order and
     // build information.
     static void printPackages(std::ostream& os);
+
+    // What the module holds in the keyer library and the message server,
+    // `when` ("after start-up", "after shut-down"): the keyer's factories of
+    // each stage's viewer handler and panel and of the main panel of both
+    // keyer generations that are registered, then the ids of the registered
+    // message subscriptions in registration order.
+    static void printRegistrations(std::ostream& os, const char* when);
 };

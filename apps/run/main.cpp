@@ -33,7 +33,9 @@ void usage(std::ostream& os) {
           "                   current directory, out/ for the demo)\n"
           "  --quiet          no progress on standard error\n"
           "  --list-packages  load the keyer's user-interface module, start every package\n"
-          "                   and list them: name, state, dependencies, build information\n"
+          "                   and list them: name, state, dependencies, build information;\n"
+          "                   then what the module registered, after start-up and after\n"
+          "                   shut-down\n"
           "\n"
           "Exit status: 0 when every line ran and every expectation held, 1 when a line\n"
           "failed (the script's file and line are named), 2 for a bad command line.\n";
@@ -133,7 +135,8 @@ int main(int argc, char** argv) {
     if (argc == 2 && std::strcmp(argv[1], "--list-packages") == 0) {
         const bool ok = HostPackages::loadAndStart(HostPackages::defaultModulePath());
         HostPackages::printPackages(std::cout);
-        HostPackages::shutdownAndUnload();
+        HostPackages::printRegistrations(std::cout, "after start-up");
+        HostPackages::shutdownAndUnload(&std::cout);
         return ok ? 0 : 1;
     }
     Arguments args;
