@@ -183,5 +183,18 @@ TEST_F(DegrainStage, AViewerLeavingTheStageTakesTheHotkeyAway) {
     EXPECT_EQ(viewer->getStage(), "spill");
 }
 
+TEST_F(DegrainStage, AHandlerHeldAfterItsViewerWentLetsGoOfItsHotkeySafely) {
+    RCShdPtr<PiEventHandler> held = viewer->getCurrentEventHandler();
+    viewer.reset();
+    ASSERT_EQ(held->rcCount(), 1); // the last reference: it goes now
+    held.reset();
+    // A new viewer of the stage takes the hotkey again.
+    viewer = std::make_unique<UiViewer>(nullptr, "second viewer");
+    viewer->setNode(node);
+    ASSERT_TRUE(viewer->setStage("degrain"));
+    pressKey(Qt::Key_G);
+    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
+}
+
 } // namespace
 } // namespace stages

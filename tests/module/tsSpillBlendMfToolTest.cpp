@@ -187,5 +187,17 @@ TEST_F(SpillStage, ALockedInputKeepsItsValueAndTheStepIsDropped) {
     EXPECT_EQ(stack().getStepCount(), 0);
 }
 
+TEST_F(SpillStage, AHandlerHeldAfterItsViewerWentLetsGoOfItsHotkeysSafely) {
+    RCShdPtr<PiEventHandler> held = viewer->getCurrentEventHandler();
+    viewer.reset();
+    ASSERT_EQ(held->rcCount(), 1); // the last reference: it goes now
+    held.reset();
+    viewer = std::make_unique<UiViewer>(nullptr, "second viewer");
+    viewer->setNode(node);
+    ASSERT_TRUE(viewer->setStage("spill"));
+    pressKey(Qt::Key_B);
+    EXPECT_EQ(currentTool(), blendTool());
+}
+
 } // namespace
 } // namespace stages

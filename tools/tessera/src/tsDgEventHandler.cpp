@@ -17,6 +17,7 @@
 #include <tessera/tsDgInterface.h>
 #include <tessera/tsDgTool.h>
 #include <tessera/tsMgInterface.h>
+#include <ui/uiGrabHandler.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiWidget.h>
 
@@ -44,10 +45,10 @@ const RCShdPtr<PiNodeController>& controllerOf(const RCShdPtr<PiNode>& node) {
 TsDgEventHandler::TsDgEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& node,
                                    const RCShdPtr<PiPath>& path)
     : MfCurrentToolEventHandler(makeToolset(viewer))
-    , _viewer(refCast<UiWidget>(viewer)) {
+    , _viewer(refCast<UiWidget>(viewer).getEventHandler()) {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
     sampleDegrainHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Sample Degrain");
-    registry.addHotkeyHandler(sampleDegrainHotkey, _viewer.getEventHandler());
+    registry.addHotkeyHandler(sampleDegrainHotkey, _viewer);
 
     const RCShdPtr<PiTimePath> timePath(
         new PiTimePath(viewer.getTimeClient(), RCShdPtr<const PiPath>(path)));
@@ -68,8 +69,7 @@ TsDgEventHandler::TsDgEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& nod
 }
 
 TsDgEventHandler::~TsDgEventHandler() {
-    UiHotkeyRegistry::getInstance().removeHotkeyHandler(sampleDegrainHotkey,
-                                                        _viewer.getEventHandler());
+    UiHotkeyRegistry::getInstance().removeHotkeyHandler(sampleDegrainHotkey, _viewer);
     _imgPick = RCStrongPtr<PiImgPick>();
 }
 

@@ -8,7 +8,7 @@
 class PiNode;
 class PiPath;
 class PiViewer;
-class UiWidget;
+class UiGrabHandler;
 
 // The viewer event handler of a keyer node's degrain stage: a tool set of the
 // two key-colour pick tools (transient: after one pick the previous tool is
@@ -32,7 +32,10 @@ public:
     bool handleEvent(const PiEventContext& context) override;
 
 private:
-    UiWidget& _viewer;
+    // The viewer widget's handler, on which the hotkey is registered. The
+    // handler may outlive the viewer (whoever holds it); the registry forgets
+    // the widget's handler when the widget goes, so only the pointer is kept.
+    UiGrabHandler* _viewer;
     RCStrongPtr<PiImgPick> _imgPick;
 };
 

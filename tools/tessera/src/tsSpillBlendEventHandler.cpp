@@ -21,6 +21,7 @@
 #include <tessera/tsMgInterface.h>
 #include <tessera/tsSpillBlendInterface.h>
 #include <tessera/tsSpillBlendTool.h>
+#include <ui/uiGrabHandler.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiWidget.h>
 
@@ -57,13 +58,13 @@ TsSpillBlendEventHandler::TsSpillBlendEventHandler(PiViewer& viewer, const RCShd
                                                    const RCShdPtr<PiPath>& path)
     : MfCurrentToolEventHandler(makeToolset(viewer))
     , _viewer(viewer)
+    , _hotkeyHandler(refCast<UiWidget>(viewer).getEventHandler())
     , _toolChangedCb(this, &TsSpillBlendEventHandler::toolChanged) {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
     adjustSpillHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Adjust Spill");
     adjustBlendHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Adjust Blend");
-    UiWidget& widget = refCast<UiWidget>(viewer);
-    registry.addHotkeyHandler(adjustSpillHotkey, widget.getEventHandler());
-    registry.addHotkeyHandler(adjustBlendHotkey, widget.getEventHandler());
+    registry.addHotkeyHandler(adjustSpillHotkey, _hotkeyHandler);
+    registry.addHotkeyHandler(adjustBlendHotkey, _hotkeyHandler);
 
     const RCShdPtr<PiNodeController>& controller = controllerOf(node);
     const RCWeakPtr<TsSpillBlendInterface> weakSpillBlend(
@@ -104,10 +105,8 @@ TsSpillBlendEventHandler::TsSpillBlendEventHandler(PiViewer& viewer, const RCShd
 
 TsSpillBlendEventHandler::~TsSpillBlendEventHandler() {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
-    if (auto* widget = dynamic_cast<UiWidget*>(&_viewer)) {
-        registry.removeHotkeyHandler(adjustSpillHotkey, widget->getEventHandler());
-        registry.removeHotkeyHandler(adjustBlendHotkey, widget->getEventHandler());
-    }
+    registry.removeHotkeyHandler(adjustSpillHotkey, _hotkeyHandler);
+    registry.removeHotkeyHandler(adjustBlendHotkey, _hotkeyHandler);
 }
 
 bool TsSpillBlendEventHandler::handleEvent(const PiEventContext& context) {

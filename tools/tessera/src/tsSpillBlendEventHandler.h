@@ -9,6 +9,7 @@
 class PiNode;
 class PiPath;
 class PiViewer;
+class UiGrabHandler;
 
 // The viewer event handler of a keyer node's spill-and-blend stage: a tool
 // set of the two key-colour pick tools (transient: after one pick the
@@ -42,6 +43,10 @@ private:
     void toolChanged();
 
     PiViewer& _viewer;
+    // The viewer widget's handler, on which the hotkeys are registered. The
+    // handler may outlive the viewer (whoever holds it); the registry forgets
+    // the widget's handler when the widget goes, so only the pointer is kept.
+    UiGrabHandler* _hotkeyHandler;
     RCStrongPtr<PiImgPick> _imgPick;
     CbMethod<TsSpillBlendEventHandler, CbEmptyType> _toolChangedCb;
 };
