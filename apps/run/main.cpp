@@ -19,6 +19,7 @@
 #include <iostream>
 #include <memory>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -159,9 +160,22 @@ int main(int argc, char** argv) {
             return 2;
         }
     }
-    // Headless: no display is needed, whatever the environment offers.
+    // Headless: no display is needed, whatever the environment offers. A
+    // machine without a login session has no runtime directory: the
+    // toolkit gets a private one instead of a warning.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
+        std::error_code ec;
+        const std::filesystem::path runtime = std::filesystem::temp_directory_path(ec) /
+                                              ("tessera-run-" + std::to_string(::getuid()));
+        std::filesystem::create_directories(runtime, ec);
+        std::filesystem::permissions(runtime, std::filesystem::perms::owner_all,
+                                     std::filesystem::perm_options::replace, ec);
+        if (!ec) {
+            qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtime.string()));
+        }
     }
     return replay(args);
 }
