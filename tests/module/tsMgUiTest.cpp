@@ -2,6 +2,7 @@
 // keyer node, with a viewer showing that node in the same main window.
 #include "tsMgUi.h"
 #include "keyerPanelScene.h"
+#include "support/testTemp.h"
 
 #include <gfx/wsCursorRegistry.h>
 #include <resmgt/msgFileGuard.h>
@@ -357,8 +358,7 @@ protected:
             ASSERT_NE(at, std::string::npos) << from;
             text.replace(at, from.size(), to);
         }
-        const std::string path =
-            (std::filesystem::temp_directory_path() / "tesseraEditedMatteGenPanel.ui").string();
+        const std::string path = testTempPath("tesseraEditedMatteGenPanel.ui");
         std::ofstream(path) << text;
         UiNodeWidgetFactory::registerStage(
             "editedMatteGen", path, nullptr,

@@ -94,6 +94,15 @@ TEST_F(SpillBlendPanel, AToggleMakesItsToolCurrentThenPushesItsCursorUntilTheNex
     EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));
 }
 
+TEST_F(SpillBlendPanel, PressingTheToggleOfTheCurrentToolAgainLeavesOneCursorPushed) {
+    menu()->choose(0);
+    toggle(0)->click();
+    toggle(0)->click();
+    EXPECT_EQ(pushedCursors(), 1);
+    click(onA);
+    EXPECT_EQ(pushedCursors(), 0);
+}
+
 TEST_F(SpillBlendPanel, APanelDestroyedWithItsCursorPushedPopsIt) {
     menu()->choose(1);
     toggle(0)->click();

@@ -1,6 +1,7 @@
 // The keyer group's main panel, in both generations, on the host's panel
 // built from the real panel description.
 #include "keyerPanelScene.h"
+#include "support/testTemp.h"
 #include "tsMgUi.h"
 
 #include <gfx/wsFontUtils.h>
@@ -320,7 +321,7 @@ protected:
         const auto at = text.find(from);
         ASSERT_NE(at, std::string::npos) << from;
         text.replace(at, from.size(), to);
-        path = (std::filesystem::temp_directory_path() / "tesseraEditedMainPanel.ui").string();
+        path = testTempPath("tesseraEditedMainPanel.ui");
         std::ofstream(path) << text;
         UiNodeWidgetFactory::registerStage(
             "editedMain", path, nullptr,

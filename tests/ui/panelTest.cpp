@@ -1,4 +1,5 @@
 #include "panelScene.h"
+#include "support/testTemp.h"
 
 #include <base/exBase.h>
 #include <pluginAPI/piDualState.h>
@@ -134,7 +135,7 @@ TEST_F(PanelDescriptions, EveryBoundFieldNamesAnInputOfTheKeyerNode) {
 class BrokenDescriptions : public PanelScene {
 protected:
     std::string write(const std::string& name, const std::string& text) {
-        const std::string path = (std::filesystem::temp_directory_path() / name).string();
+        const std::string path = testTempPath(name);
         std::ofstream(path) << text;
         return path;
     }

@@ -28,6 +28,10 @@ public:
     virtual void appendTool(const std::string& name, const RCShdPtr<MfTool>& tool);
     // Makes the named tool current, interrupting a manipulation of the tool
     // that was; false, and nothing changed, when no tool has the name.
+    // Choosing the tool that is already current changes nothing but is still
+    // announced to the tool-changed handlers: whoever chose it (a panel's
+    // toggle, a hotkey) sees its choice confirmed, and what the handlers undo
+    // on a change (a cursor pushed for the previous choice) stays in step.
     virtual bool setCurrentTool(const std::string& name);
     virtual RCShdPtr<MfTool> getCurrentTool() const;
     virtual std::string getCurrentToolName() const;

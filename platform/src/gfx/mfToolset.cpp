@@ -31,6 +31,7 @@ bool MfToolset::setCurrentTool(const std::string& name) {
             continue;
         }
         if (static_cast<int>(i) == _current) {
+            notifyToolChanged();
             return true;
         }
         if (_current >= 0) {
