@@ -64,7 +64,8 @@ int main(int argc, char** argv) {
         }
         if (!script.empty()) {
             try {
-                for (const auto& line : SessionScript::read(script).getLines()) {
+                const SessionScript session = SessionScript::read(script);
+                for (const auto& line : session.getLines()) {
                     if (!window.perform(line.text)) {
                         std::cerr << "tessera-studio: " << script << ":" << line.number << ": "
                                   << window.getStatusText().toStdString() << "\n";
