@@ -1,25 +1,14 @@
+#include "support/runProgram.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <string>
-#include <sys/wait.h>
 
 namespace {
 
-// Runs a shell command and answers its standard output and exit status.
 std::pair<std::string, int> run(const std::string& command) {
-    std::string out;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe) {
-        return {"", -1};
-    }
-    std::array<char, 4096> buffer{};
-    while (std::fgets(buffer.data(), buffer.size(), pipe)) {
-        out += buffer.data();
-    }
-    const int status = pclose(pipe);
-    return {out, WIFEXITED(status) ? WEXITSTATUS(status) : -1};
+    const ProgramResult r = runProgram(command);
+    return {r.out, r.status};
 }
 
 const std::string runner = std::string(TESSERA_BIN_DIR) + "/tessera-run";

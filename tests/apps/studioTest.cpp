@@ -26,6 +26,8 @@
 #include <QListWidget>
 #include <QMouseEvent>
 
+#include "support/runProgram.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -120,15 +122,10 @@ protected:
 
 // Runs tessera-run on a script; its exit status.
 int replay(const std::filesystem::path& script, std::string& out) {
-    const std::string command =
-        std::string(TESSERA_BIN_DIR) + "/tessera-run --quiet " + script.string() + " 2>&1";
-    FILE* pipe = popen(command.c_str(), "r");
-    std::array<char, 4096> buffer{};
-    while (pipe && std::fgets(buffer.data(), buffer.size(), pipe)) {
-        out += buffer.data();
-    }
-    const int status = pipe ? pclose(pipe) : -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    const ProgramResult r = runProgram(std::string(TESSERA_BIN_DIR) + "/tessera-run --quiet " +
+                                       script.string() + " 2>&1");
+    out += r.out;
+    return r.status;
 }
 
 TEST_F(StudioScene, ARecordedSessionReplaysHeadlessToTheSameSetup) {

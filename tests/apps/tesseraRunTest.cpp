@@ -1,36 +1,21 @@
 // tessera-run as a process: exit statuses, errors naming the script's file
 // and line, outputs.
+#include "support/runProgram.h"
+
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-struct Result {
-    std::string out;
-    int status = -1;
-};
+using Result = ProgramResult;
 
 // Runs a shell command; standard output and error together.
 Result run(const std::string& command) {
-    Result r;
-    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-    if (!pipe) {
-        return r;
-    }
-    std::array<char, 4096> buffer{};
-    while (std::fgets(buffer.data(), buffer.size(), pipe)) {
-        r.out += buffer.data();
-    }
-    const int status = pclose(pipe);
-    r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return r;
+    return runProgram(command + " 2>&1");
 }
 
 const std::string runner = std::string(TESSERA_BIN_DIR) + "/tessera-run";

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/qtInput.h"
+
 // A keyer group with three keyer nodes (slots 1 and 2 holding the first two)
 // in a graph beside a node outside the group, shown by the host's main panel;
 // a viewer showing the first keyer node; both in a main window, as the host
@@ -246,17 +248,6 @@ public:
             time.getTime());
     }
 
-    // Window-system pointer events at a widget point, as the user makes them.
-    static void sendMouse(QWidget* widget, QEvent::Type type, const QPointF& local,
-                          Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease
-                                             ? Qt::MouseButtons()
-                                             : Qt::MouseButtons(Qt::LeftButton);
-        QMouseEvent event(type, local, widget->mapToGlobal(local),
-                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons,
-                          modifiers);
-        QCoreApplication::sendEvent(widget, &event);
-    }
     static void click(QWidget* widget, const QPointF& local) {
         sendMouse(widget, QEvent::MouseButtonPress, local);
         sendMouse(widget, QEvent::MouseButtonRelease, local);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/qtInput.h"
+
 // A keyer node showing a plate of flat colour blocks in a viewer widget, with
 // the matte-generation handler that the module's registered factory makes for
 // it, and synthetic events.
@@ -259,23 +261,7 @@ protected:
     // Pointer gestures at world points, through the widget.
     void mouse(QEvent::Type type, const GePoint2<float>& world, unsigned modifiers) {
         const GePoint2<float> p = at(world);
-        const QPointF local(p.x, p.y);
-        Qt::KeyboardModifiers qt;
-        if (modifiers & EvKeyboardState::ShiftMask) {
-            qt |= Qt::ShiftModifier;
-        }
-        if (modifiers & EvKeyboardState::CtrlMask) {
-            qt |= Qt::ControlModifier;
-        }
-        if (modifiers & EvKeyboardState::AltMask) {
-            qt |= Qt::AltModifier;
-        }
-        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease
-                                          ? Qt::MouseButtons()
-                                          : Qt::MouseButtons(Qt::LeftButton);
-        QMouseEvent event(type, local, viewer->mapToGlobal(local), button, held, qt);
-        QCoreApplication::sendEvent(viewer.get(), &event);
+        sendMouse(viewer.get(), type, QPointF(p.x, p.y), Qt::LeftButton, qtModifiers(modifiers));
     }
     void click(const GePoint2<float>& world, unsigned modifiers = 0) {
         mouse(QEvent::MouseButtonPress, world, modifiers);

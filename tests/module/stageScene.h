@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/qtInput.h"
+
 // A keyer node in a viewer widget, shown in one of its stages ("degrain",
 // "spill"), with the handler that the module's registered factory makes for
 // that stage, and the stage's panel built from its description when a test
@@ -163,20 +165,7 @@ protected:
     // Pointer gestures at world points, through the widget.
     void mouse(QEvent::Type type, const GePoint2<float>& world, unsigned modifiers = 0) {
         const GePoint2<float> p = at(world);
-        const QPointF local(p.x, p.y);
-        Qt::KeyboardModifiers qt;
-        if (modifiers & EvKeyboardState::ShiftMask) {
-            qt |= Qt::ShiftModifier;
-        }
-        if (modifiers & EvKeyboardState::CtrlMask) {
-            qt |= Qt::ControlModifier;
-        }
-        const Qt::MouseButton button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease
-                                          ? Qt::MouseButtons()
-                                          : Qt::MouseButtons(Qt::LeftButton);
-        QMouseEvent event(type, local, viewer->mapToGlobal(local), button, held, qt);
-        QCoreApplication::sendEvent(viewer.get(), &event);
+        sendMouse(viewer.get(), type, QPointF(p.x, p.y), Qt::LeftButton, qtModifiers(modifiers));
     }
     void press(const GePoint2<float>& world, unsigned modifiers = 0) {
         mouse(QEvent::MouseButtonPress, world, modifiers);

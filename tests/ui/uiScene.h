@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/qtInput.h"
+
 // Helpers of the toolkit tests: the application (offscreen), a widget that
 // logs what reaches it, and synthetic window-system events.
 
@@ -68,15 +70,5 @@ protected:
 inline void sendKey(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
                     const QString& text = QString(), QEvent::Type type = QEvent::KeyPress) {
     QKeyEvent event(type, key, modifiers, text);
-    QCoreApplication::sendEvent(widget, &event);
-}
-
-inline void sendMouse(QWidget* widget, QEvent::Type type, const QPointF& local,
-                      Qt::MouseButton button = Qt::LeftButton,
-                      Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    const Qt::MouseButtons buttons =
-        type == QEvent::MouseButtonRelease ? Qt::MouseButtons() : Qt::MouseButtons(button);
-    QMouseEvent event(type, local, widget->mapToGlobal(local),
-                      type == QEvent::MouseMove ? Qt::NoButton : button, buttons, modifiers);
     QCoreApplication::sendEvent(widget, &event);
 }
