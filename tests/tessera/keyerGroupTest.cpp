@@ -74,7 +74,7 @@ TEST_F(KeyerGroupScene, SlotsHoldOneNodeEachAndShowItsName) {
     EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), 5);
     EXPECT_FALSE(keyer->getSlotNode(2));
     EXPECT_EQ(graph->getCommandStack().getStepNames(),
-              (std::vector<LiString>{"Assign Slot", "Assign Slot"}));
+              (std::vector<LiString>{"Assign Slot", "Rename Node", "Assign Slot"}));
     // The group itself may sit in a slot.
     EXPECT_TRUE(keyer->setSlotNode(0, group));
     EXPECT_EQ(keyer->getSlotName(0), "keyer");

@@ -8,6 +8,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -30,7 +32,8 @@ private:
 };
 
 // The undo history of a graph: a list of named steps, each the set of inputs
-// it changed with their state before and after.
+// it changed with their state before and after, and the changes of the
+// graph's structure made in it (nodes removed, renamed, added within a step).
 //
 // Recording. Every change to an input of the graph is recorded into the open
 // step. A change made when no step is open makes a step of its own, named
@@ -41,10 +44,14 @@ private:
 // step drops the records of inputs that ended as they began, and the step
 // itself when none is left; a new step discards the steps that were undone.
 //
+// Structure. A change that is not an input's is recorded with the functions
+// that undo and redo it (recordChange), in its place among the step's inputs.
+//
 // Replaying. undo() puts every input of the last step back to its state
-// before (the last input first), redo() to its state after (the first first);
-// both fire the inputs' value-changed handlers and ValueChanged events as an
-// edit does. An input write while a step is being replayed is a programming
+// before and undoes its changes, the last first; redo() puts the inputs to
+// their state after and redoes the changes, the first first; both fire the
+// inputs' value-changed handlers and ValueChanged events (and the nodes'
+// events) as an edit does. An input write while a step is being replayed is a programming
 // error (an assertion failure) and changes nothing; the replay still puts
 // every input of the step back before the failure is passed on. Undo and redo
 // close a step that is still open first.
@@ -111,13 +118,25 @@ public:
     bool beginWrite(PiInput& input, std::uint64_t& epoch);
     void endWrite(std::uint64_t epoch) { endGuard(epoch); }
 
+    // For the graph's nodes: records a change of the graph's structure into
+    // the open step, or into a step of its own named `name` when none is
+    // open; undo and redo make it again (they are called while the stack
+    // replays, when nothing is recorded). Ignored while a step is replayed.
+    void recordChange(const LiString& name, std::function<void()> undo, std::function<void()> redo);
+
 private:
     friend class PiUndoGuard;
 
+    struct Change {
+        std::function<void()> undo;
+        std::function<void()> redo;
+    };
+    // An input's record, or (input empty) a change of the structure.
     struct Record {
         RCShdPtr<PiInput> input;
         PiInputState before;
         PiInputState after;
+        std::shared_ptr<const Change> change;
     };
     struct Step {
         LiString name;

@@ -13,8 +13,13 @@ class PiBoundaryNode;
 //
 // Events: removing a child fires PiNodeEvent::NodeRemovedFromGroup, moving a
 // child to another group PiNodeEvent::NodeMovedFromGroup, both on this
-// group's controller. Structural changes are not recorded by the command
-// stack.
+// group's controller.
+//
+// History: in a graph, removing and moving a child are undo steps ("Remove
+// Node", "Move Node", or they join the step that is open) with the changes
+// the events' handlers make; undo puts the child back in its place. Adding a
+// child joins the open step (a setup load that adds nodes takes them back on
+// undo); outside a step adding is building the graph and is not recorded.
 class PiGroupNode : public PiNode {
 public:
     explicit PiGroupNode(const LiString& name, bool withBoundaryNodes = false);
@@ -51,7 +56,13 @@ public:
 
 private:
     void setGraph(PiGraph* graph) override;
+    // The child's place, or -1.
+    int indexOf(const PiNode& node) const;
+    void insert(const RCShdPtr<PiNode>& node, int index);
     void detach(const RCShdPtr<PiNode>& node);
+    // Takes the child out and tells the group's handlers.
+    void removeAndNotify(const RCShdPtr<PiNode>& node);
+    void moveAndNotify(const RCShdPtr<PiNode>& node, const RCShdPtr<PiGroupNode>& to, int index);
 
     std::vector<RCShdPtr<PiNode>> _children;
 };

@@ -23,7 +23,10 @@ public:
 
     const LiString& getName() const { return _name; }
     // Renaming fires PiNodeEvent::NameChanged on the node's controller and on
-    // its group's. Renames are not recorded by the command stack.
+    // its group's. A name another node of the group has gets a number
+    // appended (PiGroupNode::makeUniqueName). In a graph a rename is an undo
+    // step, "Rename Node" (or joins the step that is open), with the changes
+    // the event's handlers make.
     void setName(const LiString& name);
 
     // The controller; a plain PiNodeController until a library sets its own.

@@ -71,9 +71,13 @@ void PiCommandStack::replay(const Step& step, bool forward) {
     // Every input of the step is put back even when a handler throws: the
     // first exception is passed on once the step is whole again.
     std::exception_ptr failure;
-    auto restore = [&failure](const Record& r, const PiInputState& state) {
+    auto restore = [&failure, forward](const Record& r, const PiInputState& state) {
         try {
-            r.input->restoreState(state);
+            if (r.change) {
+                (forward ? r.change->redo : r.change->undo)();
+            } else {
+                r.input->restoreState(state);
+            }
         } catch (...) {
             if (!failure) {
                 failure = std::current_exception();
@@ -170,7 +174,7 @@ bool PiCommandStack::beginWrite(PiInput& input, std::uint64_t& epoch) {
         _openStep.name = input.getName();
     }
     if (!findRecord(input)) {
-        _openStep.records.push_back(Record{RCShdPtr<PiInput>(&input), input.getState(), {}});
+        _openStep.records.push_back(Record{RCShdPtr<PiInput>(&input), input.getState(), {}, {}});
         if (!_index.empty()) {
             _index.emplace(&input, _openStep.records.size() - 1);
         }
@@ -181,6 +185,7 @@ bool PiCommandStack::beginWrite(PiInput& input, std::uint64_t& epoch) {
 PiCommandStack::Record* PiCommandStack::findRecord(const PiInput& input) {
     auto& records = _openStep.records;
     if (records.size() <= linearSearchLimit) {
+        // (Changes of the structure have no input, and match none.)
         for (std::size_t i = records.size(); i-- > 0;) {
             if (records[i].input.get() == &input) {
                 return &records[i];
@@ -190,11 +195,32 @@ PiCommandStack::Record* PiCommandStack::findRecord(const PiInput& input) {
     }
     if (_index.empty()) {
         for (std::size_t i = 0; i < records.size(); ++i) {
-            _index.emplace(records[i].input.get(), i);
+            if (records[i].input) {
+                _index.emplace(records[i].input.get(), i);
+            }
         }
     }
     auto it = _index.find(&input);
     return it == _index.end() ? nullptr : &records[it->second];
+}
+
+void PiCommandStack::recordChange(const LiString& name, std::function<void()> undo,
+                                  std::function<void()> redo) {
+    if (_replaying) {
+        return;
+    }
+    const bool own = !_open;
+    if (own) {
+        open(name);
+    } else if (_openStep.name.empty()) {
+        _openStep.name = name;
+    }
+    Record record;
+    record.change = std::make_shared<const Change>(Change{std::move(undo), std::move(redo)});
+    _openStep.records.push_back(std::move(record));
+    if (own) {
+        close();
+    }
 }
 
 std::uint64_t PiCommandStack::beginGuard(const LiString& text, int transition, bool& counted) {
@@ -266,15 +292,24 @@ void PiCommandStack::close() {
     ++_epoch;
 
     for (Record& r : step.records) {
-        r.after = r.input->getState();
+        if (!r.change) {
+            r.after = r.input->getState();
+        }
     }
-    std::erase_if(step.records, [](const Record& r) { return r.before == r.after; });
+    std::erase_if(step.records, [](const Record& r) { return !r.change && r.before == r.after; });
     if (step.records.empty()) {
         return;
     }
     step.records.shrink_to_fit();
     if (step.name.empty()) {
-        step.name = step.records.front().input->getName();
+        // Only a change of the structure names a step when it is made, so an
+        // unnamed step has an input.
+        for (const Record& r : step.records) {
+            if (r.input) {
+                step.name = r.input->getName();
+                break;
+            }
+        }
     }
     if (_current < _steps.size()) {
         if (_cleanIndex > static_cast<int>(_current)) {

@@ -2,6 +2,10 @@
 #include <pluginAPI/piGroupNode.h>
 
 #include <base/assertions.h>
+#include <pluginAPI/piCommandStack.h>
+
+#include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -78,7 +82,29 @@ void PiGroupNode::addNode(const RCShdPtr<PiNode>& node) {
     }
     // A node takes its unique name as it enters: no rename event.
     static_cast<PiNode&>(*node)._name = makeUniqueName(node->getName());
-    _children.push_back(node);
+    const int index = static_cast<int>(_children.size());
+    insert(node, index);
+    PiCommandStack* stack = getCommandStack();
+    if (stack && stack->isStepOpen() && !stack->isReplaying() && rcCount() > 0) {
+        const RCShdPtr<PiGroupNode> self(this);
+        stack->recordChange(
+            "Add Node", [self, node] { self->removeAndNotify(node); },
+            [self, node, index] { self->insert(node, index); });
+    }
+}
+
+int PiGroupNode::indexOf(const PiNode& node) const {
+    for (std::size_t i = 0; i < _children.size(); ++i) {
+        if (_children[i].get() == &node) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+void PiGroupNode::insert(const RCShdPtr<PiNode>& node, int index) {
+    const auto at = std::min(static_cast<std::size_t>(std::max(index, 0)), _children.size());
+    _children.insert(_children.begin() + static_cast<std::ptrdiff_t>(at), node);
     node->_parent = this;
     static_cast<PiNode&>(*node).setGraph(getGraphPtr());
 }
@@ -89,9 +115,9 @@ void PiGroupNode::detach(const RCShdPtr<PiNode>& node) {
     static_cast<PiNode&>(*node).setGraph(nullptr);
 }
 
-bool PiGroupNode::removeNode(const RCShdPtr<PiNode>& node) {
-    if (!node || !contains(*node) || dynamic_cast<const PiBoundaryNode*>(node.get())) {
-        return false;
+void PiGroupNode::removeAndNotify(const RCShdPtr<PiNode>& node) {
+    if (!contains(*node)) {
+        return;
     }
     const RCShdPtr<PiNode> keep = node;
     detach(keep);
@@ -99,7 +125,43 @@ bool PiGroupNode::removeNode(const RCShdPtr<PiNode>& node) {
         const RCShdPtr<PiNodeController> controller = getController();
         controller->fireEvent(PiNodeEvent::NodeRemovedFromGroup(keep, RCShdPtr<PiGroupNode>(this)));
     }
+}
+
+bool PiGroupNode::removeNode(const RCShdPtr<PiNode>& node) {
+    if (!node || !contains(*node) || dynamic_cast<const PiBoundaryNode*>(node.get())) {
+        return false;
+    }
+    const RCShdPtr<PiNode> keep = node;
+    const int index = indexOf(*keep);
+    // The step is open while the handlers answer, so that what they change
+    // goes with the removal.
+    std::optional<PiUndoGuard> step;
+    PiCommandStack* stack = getCommandStack();
+    if (stack && !stack->isReplaying() && rcCount() > 0) {
+        step.emplace(*stack, "Remove Node");
+        const RCShdPtr<PiGroupNode> self(this);
+        stack->recordChange(
+            "Remove Node", [self, keep, index] { self->insert(keep, index); },
+            [self, keep] { self->removeAndNotify(keep); });
+    }
+    removeAndNotify(keep);
     return true;
+}
+
+void PiGroupNode::moveAndNotify(const RCShdPtr<PiNode>& node, const RCShdPtr<PiGroupNode>& to,
+                                int index) {
+    if (!contains(*node)) {
+        return;
+    }
+    const RCShdPtr<PiNode> keep = node;
+    detach(keep);
+    static_cast<PiNode&>(*keep)._name = to->makeUniqueName(keep->getName());
+    to->insert(keep, index);
+    if (rcCount() > 0) {
+        const RCShdPtr<PiNodeController> controller = getController();
+        controller->fireEvent(
+            PiNodeEvent::NodeMovedFromGroup(keep, RCShdPtr<PiGroupNode>(this), to));
+    }
 }
 
 bool PiGroupNode::moveNode(const RCShdPtr<PiNode>& node, const RCShdPtr<PiGroupNode>& to) {
@@ -108,13 +170,23 @@ bool PiGroupNode::moveNode(const RCShdPtr<PiNode>& node, const RCShdPtr<PiGroupN
         return false;
     }
     const RCShdPtr<PiNode> keep = node;
-    detach(keep);
-    to->addNode(keep);
-    if (rcCount() > 0) {
-        const RCShdPtr<PiNodeController> controller = getController();
-        controller->fireEvent(
-            PiNodeEvent::NodeMovedFromGroup(keep, RCShdPtr<PiGroupNode>(this), to));
+    const int from = indexOf(*keep);
+    const int into = to->getNodeCount();
+    const LiString name = keep->getName();
+    std::optional<PiUndoGuard> step;
+    PiCommandStack* stack = getCommandStack();
+    if (stack && !stack->isReplaying() && rcCount() > 0) {
+        step.emplace(*stack, "Move Node");
+        const RCShdPtr<PiGroupNode> self(this);
+        stack->recordChange(
+            "Move Node",
+            [self, keep, to, from, name] {
+                to->moveAndNotify(keep, self, from);
+                static_cast<PiNode&>(*keep)._name = name;
+            },
+            [self, keep, to, into] { self->moveAndNotify(keep, to, into); });
     }
+    moveAndNotify(keep, to, into);
     return true;
 }
 

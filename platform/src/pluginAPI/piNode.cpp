@@ -3,6 +3,9 @@
 #include <pluginAPI/piNode.h>
 
 #include <base/assertions.h>
+#include <pluginAPI/piCommandStack.h>
+
+#include <optional>
 
 namespace {
 
@@ -25,7 +28,13 @@ PiNode::~PiNode() {
     }
 }
 
-void PiNode::setName(const LiString& name) {
+void PiNode::setName(const LiString& requested) {
+    if (requested == _name) {
+        return;
+    }
+    // Names are unique within a group, so that a name finds one node (and a
+    // saved setup, which refers to nodes by name, loads back).
+    const LiString name = _parent ? _parent->makeUniqueName(requested) : requested;
     if (name == _name) {
         return;
     }
@@ -35,6 +44,15 @@ void PiNode::setName(const LiString& name) {
         return; // not held yet (being built): nobody can listen
     }
     const RCShdPtr<PiNode> self(this);
+    // One step with whatever the handlers change in answer.
+    std::optional<PiUndoGuard> step;
+    PiCommandStack* stack = getCommandStack();
+    if (stack && !stack->isReplaying()) {
+        step.emplace(*stack, "Rename Node");
+        stack->recordChange(
+            "Rename Node", [self, old] { self->setName(old); },
+            [self, name] { self->setName(name); });
+    }
     const PiNodeEvent::NameChanged event(self, old);
     // The controller may be replaced by a handler; keep it while it is called.
     const RCShdPtr<PiNodeController> controller = _controller;
