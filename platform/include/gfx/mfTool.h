@@ -87,7 +87,9 @@ public:
     RCShdPtr<WsCursor> getActiveCursor() const;
 
     // Ends a manipulation under way as if the pointer were released where it
-    // last was (a tool change, a viewer going away). Nothing when idle.
+    // last was (a tool change, a viewer going away). Nothing when idle. While
+    // the command stack replays a step the manipulation is abandoned instead
+    // (nothing is written).
     void interruptManipulation();
 
 private:

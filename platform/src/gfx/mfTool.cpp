@@ -142,7 +142,10 @@ void MfTool::interruptManipulation() {
     if (!_grasped) {
         return;
     }
-    if (!_viewer || !_lastEvent) {
+    // While the history replays (an undo that replaces the viewer's handler)
+    // the inputs take no writes: the drag is dropped as it stands, its step
+    // closed by the undo that began.
+    if (!_viewer || !_lastEvent || (_stack && _stack->isReplaying())) {
         abandon();
         return;
     }

@@ -1,14 +1,17 @@
 #include <gfx/mfToolset.h>
 
 #include <base/assertions.h>
+#include <base/exReporter.h>
 #include <pluginAPI/piEventContext.h>
 
 MfToolset::MfToolset(PiViewer& viewer)
     : _viewer(viewer) {}
 
 MfToolset::~MfToolset() {
+    // A destructor passes nothing on: what a tool's ending throws is reported.
     for (auto& [name, tool] : _tools) {
-        tool->interruptManipulation();
+        exContain("tool \"" + name + "\": ending its manipulation",
+                  [&] { tool->interruptManipulation(); });
     }
 }
 

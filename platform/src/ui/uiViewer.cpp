@@ -140,6 +140,13 @@ void UiViewer::setEventHandler(const RCShdPtr<PiEventHandler>& handler) {
 }
 
 void UiViewer::releaseHandler() {
+    // As when the viewer closes: a drag under way ends first.
+    if (auto* current = dynamic_cast<MfCurrentToolEventHandler*>(_handler.get())) {
+        if (const RCShdPtr<MfTool> tool = current->getCurrentMfTool()) {
+            exContain("viewer " + getName() + ": ending the drag",
+                      [&] { tool->interruptManipulation(); });
+        }
+    }
     RCShdPtr<PiEventHandler> old;
     old.swap(_handler);
     _stage.clear();
