@@ -9,9 +9,9 @@ MfToolset::MfToolset(PiViewer& viewer)
 
 MfToolset::~MfToolset() {
     // A destructor passes nothing on: what a tool's ending throws is reported.
-    for (auto& [name, tool] : _tools) {
-        exContain("tool \"" + name + "\": ending its manipulation",
-                  [&] { tool->interruptManipulation(); });
+    for (const auto& entry : _tools) {
+        exContain("tool \"" + entry.first + "\": ending its manipulation",
+                  [&entry] { entry.second->interruptManipulation(); });
     }
 }
 
