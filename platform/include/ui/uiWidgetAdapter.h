@@ -49,8 +49,21 @@ public:
     // the application's requests run after the outermost callback. Nothing
     // fires once the widget is gone.
     void fire(int kind, EvEvent& event);
-    // True while callbacks of some widget run.
+    // True while callbacks of some widget run, or a widget writes its edit to
+    // the input it is bound to: a widget destroyed then may be in use, and is
+    // deleted later.
     static bool isFiring();
+
+    // A widget's own handling under way (its callbacks, its edit written
+    // back): isFiring() answers true while one lives, and the application's
+    // requests run when the outermost goes.
+    class FiringScope {
+    public:
+        FiringScope();
+        ~FiringScope();
+        FiringScope(const FiringScope&) = delete;
+        FiringScope& operator=(const FiringScope&) = delete;
+    };
 
     // The keyboard state of the application now: the keyboard state of
     // actions that come without an input event.

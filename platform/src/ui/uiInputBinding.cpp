@@ -1,5 +1,7 @@
 #include "uiInputBinding.h"
 
+#include <ui/uiWidgetAdapter.h>
+
 #include <base/rcExUtil.h>
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piInputPolicy.h>
@@ -60,6 +62,9 @@ std::optional<std::pair<double, double>> UiInputBinding::getRange() const {
 }
 
 bool UiInputBinding::write(double value) {
+    // The input's handlers may close the widget's panel: the widget, in use,
+    // then goes later.
+    const UiWidgetAdapter::FiringScope firing;
     PiCommandStack* stack = _input->getCommandStack();
     bool written = false;
     {

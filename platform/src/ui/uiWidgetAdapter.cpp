@@ -131,10 +131,17 @@ void UiWidgetAdapter::fire(int kind, EvEvent& event) {
     }
     // The widget (and so this adapter) may go during the callbacks.
     const RCShdPtr<UiWidgetAdapter> self(this);
-    ++firingDepth;
+    const FiringScope firing;
     exContain("widget '" + _name + "'", [&] { fireCallbacks(kind, event); });
+}
+
+UiWidgetAdapter::FiringScope::FiringScope() {
+    ++firingDepth;
+}
+
+UiWidgetAdapter::FiringScope::~FiringScope() {
     if (--firingDepth == 0) {
-        UiApplication::getInstance().processRequests();
+        exContain("application requests", [] { UiApplication::getInstance().processRequests(); });
     }
 }
 
