@@ -1,3 +1,4 @@
+#include <ui/uiApplication.h>
 #include <ui/uiContainer.h>
 #include <ui/uiDualState.h>
 #include <ui/uiInputMenu.h>
@@ -101,11 +102,38 @@ Iterator<UiNodeWidget::Item> UiNodeWidget::setContent(const RCShdPtr<PiNode>& no
     return Iterator<Item>(RCShdPtr<IteratorImp<Item>>(new IteratorVector<Item>({_content})));
 }
 
+namespace {
+
+// Holds a panel's controller, and the node it works on, until the
+// application's requests run; the controller goes first.
+class ReleaseLater : public EvRequestEvent {
+public:
+    ReleaseLater(RCShdPtr<RCBase<LkCounter<int>>> controller, RCShdPtr<PiNode> node)
+        : _controller(std::move(controller))
+        , _node(std::move(node)) {}
+    void process() override {
+        _controller.reset();
+        _node.reset();
+    }
+
+private:
+    RCShdPtr<RCBase<LkCounter<int>>> _controller;
+    RCShdPtr<PiNode> _node;
+};
+
+} // namespace
+
 void UiNodeWidget::clearContent() {
     Item old = std::move(_content);
     _content = Item();
     _timePath.reset();
     // The controller first: its callbacks leave the widgets and the node.
+    // While a widget's callbacks run, one of the controller's may be among
+    // them: the controller then goes once they are done.
+    if (old.controller && UiWidgetAdapter::isFiring()) {
+        UiApplication::getInstance().postRequest(
+            OPtr<EvRequestEvent>(new ReleaseLater(std::move(old.controller), old.node)));
+    }
     old.controller.reset();
     old.node.reset();
     QWidget* built =

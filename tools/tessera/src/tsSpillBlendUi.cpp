@@ -111,6 +111,14 @@ TsSpillBlendUi::TsSpillBlendUi(TsSpillBlendInterface& spillBlend, const RCShdPtr
 }
 
 TsSpillBlendUi::~TsSpillBlendUi() {
+    // A drag of the edge balance under way ends with the panel: its undo
+    // step closes with what was done.
+    if (_trackball && _trackball->isDragging()) {
+        const RCShdPtr<PiNode> node = _spillBlend.getNode();
+        if (PiCommandStack* stack = node ? node->getCommandStack() : nullptr) {
+            const PiUndoGuard end(*stack, "", PiExecParam(3));
+        }
+    }
     if (_cursorPushed) {
         UiApplication::getInstance().popOverrideCursor();
         _cursorPushed = false;
