@@ -88,7 +88,8 @@ public:
 
     // Ends a manipulation under way as if the pointer were released where it
     // last was (a tool change, a viewer going away). Nothing when idle. While
-    // the command stack replays a step the manipulation is abandoned instead
+    // the command stack replays a step, or once the viewer's node has left
+    // the graph the drag began in, the manipulation is abandoned instead
     // (nothing is written).
     void interruptManipulation();
 

@@ -143,9 +143,11 @@ void MfTool::interruptManipulation() {
         return;
     }
     // While the history replays (an undo that replaces the viewer's handler)
-    // the inputs take no writes: the drag is dropped as it stands, its step
-    // closed by the undo that began.
-    if (!_viewer || !_lastEvent || (_stack && _stack->isReplaying())) {
+    // the inputs take no writes, and a node that left the graph (removed
+    // while dragged) has no history to take them: the drag is dropped as it
+    // stands, its step closed with what was done.
+    if (!_viewer || !_lastEvent || (_stack && _stack->isReplaying()) ||
+        _viewer->getCommandStack() != _stack) {
         abandon();
         return;
     }
