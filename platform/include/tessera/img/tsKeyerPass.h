@@ -27,8 +27,8 @@ enum class TsViewMode {
 // there is no background at all. Rows run in parallel (oneTBB); within a row
 // pixels go in blocks of 64, split into colour planes, through one loop for
 // the base matte and the despill and then the degrain box and patches, all
-// written for the compiler to vectorise (built for SSE2 and for AVX2, chosen
-// at load time); the output is written around the cache.
+// written for the compiler to vectorise (built for SSE2, AVX2 and AVX-512,
+// chosen at load time); the output is written around the cache.
 //
 // The viewer path renders the same views from proxies of the plate and
 // background: both box-filtered by the smallest integer factor that brings

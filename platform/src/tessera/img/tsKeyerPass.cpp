@@ -33,7 +33,7 @@ struct Planes {
 // Fixed-count loops (n == Block) let the compiler vectorise without
 // remainder handling; the tail of a row takes the general path. A short
 // block is padded with zeros, so the stages always see whole blocks.
-inline void load(const float* __restrict src, Planes& p, int n) {
+[[gnu::always_inline]] inline void load(const float* __restrict src, Planes& p, int n) {
     if (n == Block) {
         for (int k = 0; k < Block; ++k) {
             p.r[k] = src[4 * k];
@@ -173,7 +173,8 @@ inline void storeGrey(const float* __restrict v, float* __restrict dst, int n) {
 // The background of pixels x0 .. x0 + n - 1 of row j: the background image
 // where it reaches, transparent black beyond; the checkerboard when there is
 // no background image.
-void loadBackground(const PiImage* background, int x0, int j, int n, int checkerScale, Planes& p) {
+[[gnu::always_inline]] inline void loadBackground(const PiImage* background, int x0, int j, int n,
+                                                  int checkerScale, Planes& p) {
     if (!background) {
         const int y = (j * checkerScale) / TsBlendStage::CheckerSize;
         for (int k = 0; k < Block; ++k) {
@@ -205,8 +206,9 @@ void loadBackground(const PiImage* background, int x0, int j, int n, int checker
 // The degrain box and the patches are applied afterwards, to out.a, from the
 // block's own colours.
 template <bool Colour, bool Despill>
-inline void keyBlock(const Planes& in, Planes& out, const TsMatteStage::Base& base,
-                     const TsDespillStage::Core& core, float zero, float one) {
+[[gnu::always_inline]] inline void
+keyBlock(const Planes& in, Planes& out, const TsMatteStage::Base& base,
+         const TsDespillStage::Core& core, float zero, float one) {
     for (int k = 0; k < Block; ++k) {
         float d1, d2, d3;
         out.a[k] = base.alpha(in.r[k], in.g[k], in.b[k], d1, d2, d3, zero, one);
