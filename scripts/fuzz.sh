@@ -36,7 +36,7 @@ export QT_QPA_PLATFORM=offscreen
 export TESSERA_NO_DLCLOSE=1
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
-export LSAN_OPTIONS=suppressions=$root/tests/support/lsan.supp
+export LSAN_OPTIONS=suppressions=$root/tests/support/lsan.supp:print_suppressions=0
 
 work=$root/build/sanitize/fuzz
 status=0

@@ -125,19 +125,29 @@ TEST_F(StageScene, ANodeWithoutStagesGetsNoHandler) {
     EXPECT_EQ(viewer->getCommandStack(), &graph->getCommandStack());
 }
 
-TEST_F(StageScene, TheCurrentViewerFollowsTheFocusAndGoesWithItsViewer) {
+TEST_F(StageScene, TheCurrentViewerFollowsTheFocusAndFallsBackWhenItsViewerGoes) {
+    auto& interface = PiEventHandlingInterface::getInstance();
+    ASSERT_EQ(interface.getCurrentViewer(), viewer.get());
     auto other = std::make_unique<UiViewer>(nullptr, "other");
+    auto third = std::make_unique<UiViewer>(nullptr, "third");
     other->setNode(keyer);
+    EXPECT_EQ(interface.getCurrentViewer(), viewer.get()) << "made, not focused";
     QFocusEvent in(QEvent::FocusIn);
     QCoreApplication::sendEvent(other.get(), &in);
-    auto& interface = PiEventHandlingInterface::getInstance();
     EXPECT_EQ(interface.getCurrentViewer(), other.get());
     EXPECT_EQ(interface.getCurrentEventHandler(), other->getCurrentEventHandler());
+
+    third.reset();
+    EXPECT_EQ(interface.getCurrentViewer(), other.get()) << "a viewer that was not current went";
     const int before = handlerChanges;
     other.reset();
+    EXPECT_EQ(interface.getCurrentViewer(), viewer.get()) << "the focus goes back";
+    EXPECT_EQ(interface.getCurrentEventHandler(), viewer->getCurrentEventHandler());
+    EXPECT_TRUE(interface.getCurrentEventHandler());
+    EXPECT_EQ(handlerChanges, before + 1);
+    viewer.reset();
     EXPECT_EQ(interface.getCurrentViewer(), nullptr);
     EXPECT_FALSE(interface.getCurrentEventHandler());
-    EXPECT_EQ(handlerChanges, before + 1);
 }
 
 } // namespace

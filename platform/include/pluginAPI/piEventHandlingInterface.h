@@ -4,6 +4,8 @@
 #include <base/cbEmptyType.h>
 #include <base/rcShdPtr.h>
 
+#include <vector>
+
 class PiEventHandler;
 class PiViewer;
 
@@ -11,9 +13,12 @@ class PiViewer;
 // current viewer and its event handler, and listeners that are called when
 // the current viewer changes or its handler is replaced.
 //
-// Viewers report themselves: setCurrentViewer when a viewer becomes current
-// (it gets the focus, or is the first one made), handlerReplaced when a
-// viewer installs another handler, viewerDestroyed when it goes.
+// Viewers report themselves: viewerCreated when made (the first one made
+// becomes current), setCurrentViewer when a viewer becomes current (it gets
+// the focus), handlerReplaced when a viewer installs another handler,
+// viewerDestroyed when it goes. When the current viewer goes, the viewer
+// that was current before it (or else the one made last) takes its place,
+// as the focus would go back to it.
 class PiEventHandlingInterface {
 public:
     static PiEventHandlingInterface& getInstance();
@@ -27,6 +32,7 @@ public:
 
     // Host side. Listeners are called, their exceptions contained and
     // reported, when the current handler may have changed.
+    void viewerCreated(PiViewer& viewer);
     void setCurrentViewer(PiViewer* viewer);
     void handlerReplaced(PiViewer& viewer);
     void viewerDestroyed(PiViewer& viewer);
@@ -36,5 +42,7 @@ private:
     void notify();
 
     PiViewer* _viewer = nullptr;
+    // Every live viewer, the most recently current last.
+    std::vector<PiViewer*> _recent;
     CbDispatcher<CbEmptyType> _changed;
 };

@@ -4,6 +4,8 @@
 
 #include <base/exReporter.h>
 
+#include <algorithm>
+
 PiEventHandlingInterface& PiEventHandlingInterface::getInstance() {
     static PiEventHandlingInterface instance;
     return instance;
@@ -23,7 +25,20 @@ void PiEventHandlingInterface::removeCurrentEventHandlerChangedCallback(
     _changed.removeHandler(handler);
 }
 
+void PiEventHandlingInterface::viewerCreated(PiViewer& viewer) {
+    _recent.insert(_recent.begin(), &viewer);
+    if (!_viewer) {
+        setCurrentViewer(&viewer);
+    }
+}
+
 void PiEventHandlingInterface::setCurrentViewer(PiViewer* viewer) {
+    if (viewer) {
+        const auto it = std::find(_recent.begin(), _recent.end(), viewer);
+        if (it != _recent.end()) {
+            std::rotate(it, it + 1, _recent.end());
+        }
+    }
     if (viewer == _viewer) {
         return;
     }
@@ -41,8 +56,9 @@ void PiEventHandlingInterface::handlerReplaced(PiViewer& viewer) {
 }
 
 void PiEventHandlingInterface::viewerDestroyed(PiViewer& viewer) {
+    std::erase(_recent, &viewer);
     if (&viewer == _viewer) {
-        _viewer = nullptr;
+        _viewer = _recent.empty() ? nullptr : _recent.back();
         notify();
     }
 }

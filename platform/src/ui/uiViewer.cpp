@@ -66,9 +66,7 @@ UiViewer::UiViewer(QWidget* parent, const LiString& name)
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMinimumSize(64, 64);
     _view.setViewportSize(width(), height());
-    if (!PiEventHandlingInterface::getInstance().getCurrentViewer()) {
-        PiEventHandlingInterface::getInstance().setCurrentViewer(this);
-    }
+    PiEventHandlingInterface::getInstance().viewerCreated(*this);
 }
 
 UiViewer::~UiViewer() {
