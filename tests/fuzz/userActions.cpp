@@ -180,8 +180,13 @@ public:
         FUZZ_CHECK(_session.getCommandStack().getStepCount() == 0, "a new keyer has no history");
 
         for (int i = 0; i < MaxActions && _data.remaining_bytes() > 0; ++i) {
+            const int undoable = _session.getCommandStack().getUndoCount();
             act();
             ++stats.actions;
+            if (_session.getCommandStack().getUndoCount() != undoable) {
+                trace("#   undo: " + std::to_string(_session.getCommandStack().getUndoCount()) +
+                      " steps, the last \"" + _session.getCommandStack().getUndoName() + "\"");
+            }
         }
         letGo();
         check(first);
@@ -519,7 +524,9 @@ private:
             toggle->click(keys);
         } else if (auto* menu = dynamic_cast<UiMenu*>(widget)) {
             if (menu->getItemCount() > 0) {
-                menu->choose(_data.ConsumeIntegralInRange(0, menu->getItemCount() - 1), keys);
+                const int item = _data.ConsumeIntegralInRange(0, menu->getItemCount() - 1);
+                trace("#   choose \"" + menu->getItemText(item) + "\"");
+                menu->choose(item, keys);
             }
         } else if (auto* field = dynamic_cast<UiValueEditor*>(widget)) {
             field->enter(_data.ConsumeIntegralInRange(-4, 24) / 16.0, keys);
