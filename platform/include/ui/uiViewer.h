@@ -6,6 +6,7 @@
 #include <pluginAPI/piImage.h>
 #include <pluginAPI/piViewer.h>
 #include <pluginAPI/tmTimeClient.h>
+#include <ui/uiGrabHandler.h>
 #include <ui/uiWidget.h>
 #include <ui/vpDrawArea.h>
 
@@ -47,6 +48,12 @@
 //
 // The viewer is the current viewer of PiEventHandlingInterface when it is the
 // first one made and whenever it takes the focus.
+//
+// Grabs. While a button is down over the viewer, the viewer holds the
+// application's pointer grab, letting every event through as if it held
+// none. Someone else taking the grab then (a panel's screen pick) would
+// catch the release, so the handler is told the grab is lost: the drag under
+// way ends there, its undo step closed.
 class UiViewer : public QWidget, public PiViewer, public UiWidget, public VpDrawArea {
 public:
     // The image shown at a frame; an empty pointer shows nothing.
@@ -139,6 +146,16 @@ private:
     const QImage& displayImage();
     PiImagePtr getPlate() const;
 
+    class PressGrab : public UiGrabHandler {
+    public:
+        explicit PressGrab(UiViewer& viewer);
+        UiWidget* getProcessOrigin() const override { return &_viewer; }
+        void callback(EvEvent& event) override;
+
+    private:
+        UiViewer& _viewer;
+    };
+
     RCShdPtr<PiNode> _node;
     RCShdPtr<PiPath> _path;
     RCShdPtr<PiEventHandler> _handler;
@@ -156,4 +173,5 @@ private:
     // The image last converted for display, and what it was converted from.
     PiImagePtr _shown;
     QImage _shownImage;
+    PressGrab _pressGrab{*this};
 };

@@ -1,5 +1,6 @@
 #include <ui/uiApplication.h>
 #include <ui/uiCursorUtil.h>
+#include <ui/uiGrab.h>
 #include <ui/uiQtEvents.h>
 #include <ui/uiViewer.h>
 
@@ -388,11 +389,26 @@ bool UiViewer::pointerEvent(QMouseEvent* event) {
     return deliver(*ev);
 }
 
+UiViewer::PressGrab::PressGrab(UiViewer& viewer)
+    : UiGrabHandler("viewer " + viewer.getName())
+    , _viewer(viewer) {
+    setAllowPtrHandlingInGrab(true);
+}
+
+void UiViewer::PressGrab::callback(EvEvent& event) {
+    if (event.isA<EvGrabLostEvent>()) {
+        _viewer.deliver(event);
+    }
+}
+
 void UiViewer::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::MiddleButton) {
         _panning = true;
         _panFrom = event->position();
         return;
+    }
+    if (!UiGrab::pointer().isGrabbed()) {
+        UiGrab::pointer().grab(&_pressGrab);
     }
     pointerEvent(event);
 }
@@ -419,6 +435,9 @@ void UiViewer::mouseReleaseEvent(QMouseEvent* event) {
         return;
     }
     pointerEvent(event);
+    if (!(event->buttons() & ~Qt::MiddleButton)) {
+        UiGrab::pointer().release(&_pressGrab);
+    }
 }
 
 void UiViewer::wheelEvent(QWheelEvent* event) {
