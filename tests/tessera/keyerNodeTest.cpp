@@ -172,6 +172,30 @@ TEST_F(KeyerScene, PatchesAreNamedByTheKeyerAndUndoneAsOneStep) {
     EXPECT_EQ(mg->getPatchNames()[1], "Patch 2");
 }
 
+TEST_F(KeyerScene, UndoTakesAwayThePatchInputsANewPatchMadeAndRedoBringsTheSameBack) {
+    const int inputs = node->getInputCount();
+    mg->createPatch();
+    mg->createPatch();
+    ASSERT_EQ(node->getPatchInputCount(), 2);
+    const RCShdPtr<PiInput> mode = node->getPatchModeInput(1);
+    ASSERT_EQ(node->getInput(mode->getName()), mode);
+
+    stack().undo();
+    stack().undo();
+    EXPECT_EQ(node->getPatchInputCount(), 1) << "a fresh node has the inputs of one patch";
+    EXPECT_EQ(node->getInputCount(), inputs);
+    EXPECT_FALSE(node->getInput(mode->getName()));
+    EXPECT_EQ(mode->getNode(), nullptr);
+
+    stack().redo();
+    stack().redo();
+    EXPECT_EQ(node->getPatchInputCount(), 2);
+    EXPECT_EQ(node->getInput(mode->getName()), mode);
+    EXPECT_EQ(node->getPatchModeInput(1), mode);
+    mode->setValue(0.0, PiValue(2));
+    EXPECT_EQ(stack().getUndoName(), mode->getName()) << "a restored input is undone as before";
+}
+
 TEST_F(KeyerScene, ResetsAreOneStepAndSpareLockedInputs) {
     mg->createPatch();
     param(TsMgTypes::Shadows)->setValue(0.1);

@@ -41,6 +41,9 @@ public:
     // Adds an input; a second input of the same name, or an input that
     // already belongs to a node, is an assertion failure.
     void addInput(const RCShdPtr<PiInput>& input);
+    // Takes an input of this node away again (the undo of a change of the
+    // node's structure that added it); it lives on with whoever holds it.
+    void removeInput(const RCShdPtr<PiInput>& input);
 
     // The group that holds the node, or null.
     PiGroupNode* getParent() const { return _parent; }

@@ -59,8 +59,9 @@ public:
     int createPatch();
     // The patches that have inputs (at least 1, at least getPatchCount()).
     int getPatchInputCount() const { return static_cast<int>(_patches.size()); }
-    // Makes the inputs of patches up to `count` exist (structure, not
-    // recorded by the command stack). New inputs hold their defaults.
+    // Makes the inputs of patches up to `count` exist. New inputs hold their
+    // defaults. In a graph, their coming is a change of the node's structure
+    // that the command stack records, so that undo takes them away again.
     void ensurePatchInputs(int count);
     // Empty for a patch without inputs or an element out of range.
     RCShdPtr<PiInput> getPatchBoxInput(int patch, int row, int column) const;
@@ -91,6 +92,10 @@ private:
     RCShdPtr<PiInput> addDouble(const LiString& name, double value, bool ranged);
     std::array<RCShdPtr<PiInput>, 12> addBox(const LiString& prefix);
     const PatchInputs* patchInputs(int patch) const;
+    static std::vector<RCShdPtr<PiInput>> inputsOf(const PatchInputs& patch);
+    // The undo and redo of ensurePatchInputs.
+    void dropPatchInputs(std::size_t count);
+    void restorePatchInputs(const std::vector<PatchInputs>& patches);
 
     RCShdPtr<PiInput> _image;
     RCShdPtr<PiInput> _background;

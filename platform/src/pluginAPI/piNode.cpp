@@ -2,6 +2,8 @@
 #include <pluginAPI/piGroupNode.h>
 #include <pluginAPI/piNode.h>
 
+#include <algorithm>
+
 #include <base/assertions.h>
 #include <pluginAPI/piCommandStack.h>
 
@@ -96,6 +98,15 @@ void PiNode::addInput(const RCShdPtr<PiInput>& input) {
     }
     _inputs.push_back(input);
     input->setNode(this);
+}
+
+void PiNode::removeInput(const RCShdPtr<PiInput>& input) {
+    const auto it = std::find(_inputs.begin(), _inputs.end(), input);
+    if (it == _inputs.end()) {
+        Assertions::throwAssertionFailed(sourcePath, __LINE__, "an input of this node");
+    }
+    _inputs.erase(it);
+    input->setNode(nullptr);
 }
 
 RCShdPtr<PiGraph> PiNode::getGraph() const {

@@ -103,6 +103,7 @@ std::array<RCShdPtr<PiInput>, 12> TsKeyerNode::addBox(const LiString& prefix) {
 }
 
 void TsKeyerNode::ensurePatchInputs(int count) {
+    const std::size_t before = _patches.size();
     while (static_cast<int>(_patches.size()) < count) {
         const LiString prefix = patchPrefix(static_cast<int>(_patches.size()));
         PatchInputs p;
@@ -113,6 +114,40 @@ void TsKeyerNode::ensurePatchInputs(int count) {
         p.range = addDouble(prefix + ".range", 0.0, true);
         p.softness = addDouble(prefix + ".softness", 0.0, true);
         _patches.push_back(std::move(p));
+    }
+    PiCommandStack* stack = getCommandStack();
+    if (_patches.size() == before || !stack || stack->isReplaying()) {
+        return;
+    }
+    const RCShdPtr<TsKeyerNode> self(this);
+    const std::vector<PatchInputs> added(_patches.begin() + static_cast<std::ptrdiff_t>(before),
+                                         _patches.end());
+    stack->recordChange(
+        "New Patch", [self, before] { self->dropPatchInputs(before); },
+        [self, added] { self->restorePatchInputs(added); });
+}
+
+std::vector<RCShdPtr<PiInput>> TsKeyerNode::inputsOf(const PatchInputs& patch) {
+    std::vector<RCShdPtr<PiInput>> inputs(patch.box.begin(), patch.box.end());
+    inputs.insert(inputs.end(), {patch.mode, patch.range, patch.softness});
+    return inputs;
+}
+
+void TsKeyerNode::dropPatchInputs(std::size_t count) {
+    while (_patches.size() > count) {
+        for (const RCShdPtr<PiInput>& input : inputsOf(_patches.back())) {
+            removeInput(input);
+        }
+        _patches.pop_back();
+    }
+}
+
+void TsKeyerNode::restorePatchInputs(const std::vector<PatchInputs>& patches) {
+    for (const PatchInputs& patch : patches) {
+        for (const RCShdPtr<PiInput>& input : inputsOf(patch)) {
+            addInput(input);
+        }
+        _patches.push_back(patch);
     }
 }
 
