@@ -725,9 +725,16 @@ private:
                                                    : b == EvButton::Middle ? " middle"
                                                                            : ""));
             }
-            for (const auto& extra : _viewers) {
-                if (extra->driver->isButtonDown(b)) {
-                    extra->driver->release(GePoint2<double>(0, 0), 0, b);
+            // A release may close a viewer (an armed callback): look again
+            // after each.
+            for (bool released = true; released;) {
+                released = false;
+                for (const auto& extra : _viewers) {
+                    if (extra->driver->isButtonDown(b)) {
+                        extra->driver->release(GePoint2<double>(0, 0), 0, b);
+                        released = true;
+                        break;
+                    }
                 }
             }
         }
