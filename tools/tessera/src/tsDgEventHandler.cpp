@@ -46,10 +46,6 @@ TsDgEventHandler::TsDgEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& nod
                                    const RCShdPtr<PiPath>& path)
     : MfCurrentToolEventHandler(makeToolset(viewer))
     , _viewer(refCast<UiWidget>(viewer).getEventHandler()) {
-    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
-    sampleDegrainHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Sample Degrain");
-    registry.addHotkeyHandler(sampleDegrainHotkey, _viewer);
-
     const RCShdPtr<PiTimePath> timePath(
         new PiTimePath(viewer.getTimeClient(), RCShdPtr<const PiPath>(path)));
     const RCShdPtr<PiNodeController>& controller = controllerOf(node);
@@ -66,6 +62,12 @@ TsDgEventHandler::TsDgEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& nod
                                                   imgPick, viewer, mg, path, TsTypes::KeyColor2)));
     appendTool(TsDgTool::getManipToolName(2),
                RCShdPtr<MfTool>(new TsDgSampleTool(imgPick, dg, timePath)));
+
+    // Last: a handler that could not be made (a node that is no keyer) has no
+    // destructor to withdraw it.
+    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
+    sampleDegrainHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Sample Degrain");
+    registry.addHotkeyHandler(sampleDegrainHotkey, _viewer);
 }
 
 TsDgEventHandler::~TsDgEventHandler() {

@@ -36,6 +36,11 @@ TsDgUi::TsDgUi(TsDgInterface& dg, const RCShdPtr<PiWidget>& widget,
     for (int i = 0; i < _toggleCount; ++i) {
         _toggleCbs[i].set(this, &TsDgUi::togglePressed, i);
         _toggles[i] = _container->findWidget<PiDualState>(toggleNames[i]);
+        if (!_toggles[i]) {
+            // A panel description without it: name the widget.
+            RCExUtil::throwExNullPtr(
+                (typeNameOf<PiDualState>() + " '" + toggleNames[i] + "'").c_str());
+        }
         _toggles[i]->addCallback(PiWidget::Activated, &_toggleCbs[i]);
     }
     if (const RCShdPtr<PiWidget> reset = _container->findWidget("reset")) {

@@ -60,12 +60,6 @@ TsSpillBlendEventHandler::TsSpillBlendEventHandler(PiViewer& viewer, const RCShd
     , _viewer(viewer)
     , _hotkeyHandler(refCast<UiWidget>(viewer).getEventHandler())
     , _toolChangedCb(this, &TsSpillBlendEventHandler::toolChanged) {
-    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
-    adjustSpillHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Adjust Spill");
-    adjustBlendHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Adjust Blend");
-    registry.addHotkeyHandler(adjustSpillHotkey, _hotkeyHandler);
-    registry.addHotkeyHandler(adjustBlendHotkey, _hotkeyHandler);
-
     const RCShdPtr<PiNodeController>& controller = controllerOf(node);
     const RCWeakPtr<TsSpillBlendInterface> weakSpillBlend(
         rcCastRequired<TsSpillBlendInterface>(controller));
@@ -99,6 +93,14 @@ TsSpillBlendEventHandler::TsSpillBlendEventHandler(PiViewer& viewer, const RCShd
     appendTool(TsSpillBlendTool::getManipToolName(2),
                Zn::TsSpillBlendMfTool::create(viewer, path, spill, timePath, tools,
                                               setSpillMsg.getText()));
+
+    // Last: a handler that could not be made (a node that is no keyer) has no
+    // destructor to withdraw them.
+    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
+    adjustSpillHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Adjust Spill");
+    adjustBlendHotkey = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Adjust Blend");
+    registry.addHotkeyHandler(adjustSpillHotkey, _hotkeyHandler);
+    registry.addHotkeyHandler(adjustBlendHotkey, _hotkeyHandler);
 
     addToolChangedCb(&_toolChangedCb);
 }
