@@ -234,7 +234,6 @@ void TsMgSampleMatteToolImp::sample(const PiEventContext& context) {
     if (!_imgPick.accepts(context)) {
         return;
     }
-    _sampleShown = true;
     const GePoint2<float> world =
         VwUtils::windowToWorldOrtho(_viewer.getView(), context.getDeviceEvent().getCoord());
     _x = world.x;
@@ -248,6 +247,9 @@ void TsMgSampleMatteToolImp::sample(const PiEventContext& context) {
     if (!_imgPick.pickColors(rect, colors)) {
         Assertions::throwAssertionFailed(sourcePath, 563, "_imgPick.pickColors( rect, colors )");
     }
+    // Shown only once there is something to show: a pick that failed leaves
+    // the column as it was.
+    _sampleShown = true;
 
     const CoRgbColorTyped<float> keyColor = _values->getBlendedKeyColor();
     const float intrusion =
@@ -316,6 +318,9 @@ void TsMgSampleMatteToolImp::initiateManipulation(const PiEventContext&) {
 void TsMgSampleMatteToolImp::monitorManipulation(const PiEventContext&) {
     const auto p = static_cast<TsMgTypes::MatteParam>(_manipP);
     if (!_manip->getManipulator(p)->isManipulating()) {
+        // The drag ends here without a release (the host abandons it): the
+        // bars follow the parameters again.
+        _values->getDispatcher().addHandler(&_matteParamCb);
         Assertions::throwAssertionFailed(sourcePath, 635,
                                          "_manip->getManipulator( _manipP )->isManipulating()");
     }

@@ -223,6 +223,10 @@ void TsSpillBlendMfToolImp::initiateManipulation(const PiEventContext&) {
 
 void TsSpillBlendMfToolImp::monitorManipulation(const PiEventContext&) {
     if (!_manip->getManipulator(_manipP)->isManipulating()) {
+        // The drag ends here without a release (the host abandons it): the
+        // bar follows its input again.
+        _inputValues[static_cast<std::size_t>(_manipP)]->addValueChangedCb(
+            &_valueCbs[static_cast<std::size_t>(_manipP)]);
         Assertions::throwAssertionFailed(sourcePath, 428,
                                          "_manip->getManipulator( _manipP )->isManipulating()");
     }
