@@ -731,7 +731,9 @@ private:
                 released = false;
                 for (const auto& extra : _viewers) {
                     if (extra->driver->isButtonDown(b)) {
+                        _target = extra->viewer.get();
                         extra->driver->release(GePoint2<double>(0, 0), 0, b);
+                        _target = nullptr;
                         released = true;
                         break;
                     }
