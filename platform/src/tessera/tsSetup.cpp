@@ -711,8 +711,16 @@ bool TsSetup::save(const PiNode& keyer, const LiString& path, LiString* error) {
     if (!ok) {
         std::remove(temp.c_str());
         reportFailure(path, "cannot write the setup: " + reason, error);
+        return false;
     }
-    return ok;
+    // The rename reaches the disk with the directory: without this, a power
+    // cut could bring back the old setup (never a damaged one).
+    const int dirFd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY);
+    if (dirFd >= 0) {
+        ::fsync(dirFd);
+        ::close(dirFd);
+    }
+    return true;
 }
 
 bool TsSetup::read(PiNode& keyer, const LiString& text, const LiString& source, LiString* error) {
