@@ -4,7 +4,10 @@
 // scratch directory of the process's own, and the check that stops a run
 // (and keeps the input) when an invariant does not hold.
 
+#include "common/hostSession.h"
+
 #include <base/exReporter.h>
+#include <ui/uiApplication.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -71,6 +74,16 @@ inline std::string readFile(const std::filesystem::path& path) {
     }
     std::cerr.flush();
     std::abort();
+}
+
+// The start of a target that drives the host: the process set up, the
+// application made and every package of the module started.
+inline void startHost() {
+    initProcess();
+    UiApplication::getInstance();
+    if (!HostSession::startPackages()) {
+        fail("the module did not start", __FILE__, __LINE__);
+    }
 }
 
 } // namespace fuzz

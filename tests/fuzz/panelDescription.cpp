@@ -16,7 +16,6 @@
 
 #include <pluginAPI/piWidget.h>
 #include <resmgt/liResourcePath.h>
-#include <ui/uiApplication.h>
 
 #include <array>
 #include <cstddef>
@@ -115,11 +114,7 @@ void checkKeyerWorks(HostSession& session, SessionInterpreter& interpreter) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::initProcess();
-    UiApplication::getInstance();
-    if (!HostSession::startPackages()) {
-        fuzz::fail("the module did not start", __FILE__, __LINE__);
-    }
+    fuzz::startHost();
     copyResources();
     return 0;
 }

@@ -18,8 +18,6 @@
 #include "common/sessionScript.h"
 #include "common/widgetCommands.h"
 
-#include <ui/uiApplication.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cstddef>
@@ -91,11 +89,7 @@ void confine(SessionScript::Line& line) {
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::initProcess();
-    UiApplication::getInstance();
-    if (!HostSession::startPackages()) {
-        fuzz::fail("the module did not start", __FILE__, __LINE__);
-    }
+    fuzz::startHost();
     return 0;
 }
 

@@ -36,7 +36,6 @@
 #include <pluginAPI/piTimePath.h>
 #include <tessera/img/tsDemoPlate.h>
 #include <tessera/tsSetup.h>
-#include <ui/uiApplication.h>
 #include <ui/uiDualState.h>
 #include <ui/uiLabel.h>
 #include <ui/uiMenu.h>
@@ -800,11 +799,7 @@ private:
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    fuzz::initProcess();
-    UiApplication::getInstance();
-    if (!HostSession::startPackages()) {
-        fuzz::fail("the module did not start", __FILE__, __LINE__);
-    }
+    fuzz::startHost();
     demoPlate();
     return 0;
 }

@@ -10,6 +10,7 @@
 // rest of the path is the host's own.
 #include "keyerPanelScene.h"
 #include "mgScene.h"
+#include "support/takeReports.h"
 
 #include <base/exBase.h>
 #include <gfx/mfToolset.h>
@@ -24,17 +25,6 @@
 namespace {
 
 using P = TsMgTypes;
-
-// What the host reported since the last call, as texts; the reports are
-// taken (cleared).
-std::vector<std::string> takeReports() {
-    std::vector<std::string> texts;
-    for (const auto& r : ExReporter::getInstance().getReports()) {
-        texts.push_back(r.text());
-    }
-    ExReporter::getInstance().clear();
-    return texts;
-}
 
 // The viewer in the matte stage with the sample-matte tool current.
 class SampleMatteFailures : public MgScene {

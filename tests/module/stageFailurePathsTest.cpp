@@ -5,6 +5,7 @@
 // working. As for the matte tools, a public operation of the host stands in
 // for an invariant that the host never breaks by itself.
 #include "stageScene.h"
+#include "support/takeReports.h"
 #include "support/testTemp.h"
 
 #include <gfx/mfRangeManipulator.h>
@@ -26,17 +27,6 @@ namespace {
 
 const std::string& spillTool() {
     return TsSpillBlendTool::getManipToolName(2);
-}
-
-// What the host reported since the last call, as texts; the reports are
-// taken (cleared).
-std::vector<std::string> takeReports() {
-    std::vector<std::string> texts;
-    for (const auto& r : ExReporter::getInstance().getReports()) {
-        texts.push_back(r.text());
-    }
-    ExReporter::getInstance().clear();
-    return texts;
 }
 
 // The viewer in the spill stage with the spill tool current; its bars are
