@@ -22,6 +22,9 @@ public:
     explicit OutputWriter(HostSession& session);
 
     static const std::vector<std::string>& getKinds();
+    // Writes text beside the file, then renames it over the file, so that a
+    // failed write leaves whatever was there.
+    static bool writeText(const std::string& text, const std::string& path, std::string& error);
 
     bool write(const std::string& kind, const std::string& path, std::string& error);
     const SessionSummary::Outputs& getWritten() const { return _written; }
@@ -29,7 +32,6 @@ public:
 private:
     bool writeView(const std::string& kind, const std::string& path, std::string& error);
     bool writeViewer(const std::string& path, std::string& error);
-    bool writeText(const std::string& text, const std::string& path, std::string& error);
 
     HostSession& _session;
     SessionSummary::Outputs _written;

@@ -1,6 +1,7 @@
 #include "sessionRecorder.h"
 
 #include "hostSession.h"
+#include "outputWriter.h"
 #include "sessionArgs.h"
 #include "sessionScript.h"
 #include "viewerDriver.h"
@@ -165,25 +166,7 @@ std::string SessionRecorder::getText() const {
 }
 
 bool SessionRecorder::save(const std::string& path, std::string& error) const {
-    const std::string temporary = path + ".part";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << getText();
-        if (!out.flush()) {
-            error = "cannot write \"" + path + "\"";
-            out.close();
-            std::remove(temporary.c_str());
-            return false;
-        }
-    }
-    std::error_code ec;
-    std::filesystem::rename(temporary, path, ec);
-    if (ec) {
-        std::remove(temporary.c_str());
-        error = "cannot write \"" + path + "\": " + ec.message();
-        return false;
-    }
-    return true;
+    return OutputWriter::writeText(getText(), path, error);
 }
 
 // The view as the replay must have it before the next event: the window's

@@ -1,4 +1,5 @@
 #include "tsMgUi.h"
+#include "tsPanelUtil.h"
 
 #include <base/rcCast.h>
 #include <base/rcExUtil.h>
@@ -30,29 +31,9 @@ const char* const keyColorToggleNames[2] = {"keyColor1Toggle", "keyColor2Toggle"
 const char* const newPatchText = "New Patch";
 const char* const resetUndoText = "Reset Tessera";
 
-// The current viewer's handler when it holds named tools; null otherwise.
-RCShdPtr<PiCurrentToolEventHandler> currentToolHandler() {
-    return rcTestCast<PiCurrentToolEventHandler>(
-        PiEventHandlingInterface::getInstance().getCurrentEventHandler());
-}
-
-template <class T>
-RCShdPtr<T> required(const RCShdPtr<T>& p) {
-    if (!p) {
-        RCExUtil::throwExNullPtr(typeNameOf<T>().c_str());
-    }
-    return p;
-}
-
-// A widget (or input) the panel cannot do without; ExNullPtr naming it when
-// the panel description (or the node) lacks it.
-template <class T>
-RCShdPtr<T> requiredNamed(const RCShdPtr<T>& widget, const LiString& name) {
-    if (!widget) {
-        RCExUtil::throwExNullPtr((typeNameOf<T>() + " '" + name + "'").c_str());
-    }
-    return widget;
-}
+using TsPanelUtil::currentToolHandler;
+using TsPanelUtil::required;
+using TsPanelUtil::requiredNamed;
 
 // An input of the node by name; ExNullPtr naming it when the node lacks it.
 RCShdPtr<PiInput> requiredInput(const PiNode& node, const std::string& name) {

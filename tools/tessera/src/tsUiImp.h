@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tsPanelUtil.h"
+
 #include <base/cbDataMethod.h>
 #include <base/cbMethod.h>
 #include <base/evEvent.h>
@@ -198,28 +200,9 @@ private:
 
 namespace TsUiImpDetail {
 
-template <class T>
-RCShdPtr<T> required(const RCShdPtr<T>& p) {
-    if (!p) {
-        RCExUtil::throwExNullPtr(typeNameOf<T>().c_str());
-    }
-    return p;
-}
-
-// A widget (or input) the panel cannot do without; ExNullPtr naming it when
-// the panel description (or the group) lacks it.
-template <class T>
-RCShdPtr<T> requiredNamed(const RCShdPtr<T>& widget, const LiString& name) {
-    if (!widget) {
-        RCExUtil::throwExNullPtr((typeNameOf<T>() + " '" + name + "'").c_str());
-    }
-    return widget;
-}
-
-inline RCShdPtr<PiCurrentToolEventHandler> currentToolHandler() {
-    return rcTestCast<PiCurrentToolEventHandler>(
-        PiEventHandlingInterface::getInstance().getCurrentEventHandler());
-}
+using TsPanelUtil::currentToolHandler;
+using TsPanelUtil::required;
+using TsPanelUtil::requiredNamed;
 
 } // namespace TsUiImpDetail
 
