@@ -5,7 +5,7 @@
 // input outside any graph: what the history adds is the difference.
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piInputValue.h>
-#include <tessera/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerGroup.h>
 
 #include <base/cbMethod.h>
 

@@ -8,8 +8,8 @@
 //   is rendered again from the kept proxy) within 16 ms (budget_share).
 //
 // The plate is the demo plate generated at 3840 x 2160.
-#include <tessera/img/tsDemoPlate.h>
-#include <tessera/img/tsKeyerPass.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/img/tsKeyerPass.h>
 
 #include <tesseraUtil/tsUtils.h>
 

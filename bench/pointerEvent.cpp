@@ -27,7 +27,7 @@
 #include <pluginAPI/piInputValue.h>
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piViewer.h>
-#include <tessera/tsKeyerNode.h>
+#include <tesseraCore/tsKeyerNode.h>
 #include <ui/uiApplication.h>
 #include <ui/uiViewer.h>
 

@@ -21,8 +21,8 @@
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piImgPick.h>
 #include <pluginAPI/piPath.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsMgTool.h>
 #include <tesseraUtil/tsUtils.h>
 #include <ui/uiApplication.h>
 #include <ui/uiViewer.h>

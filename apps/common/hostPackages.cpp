@@ -4,11 +4,11 @@
 #include <base/inPackageManager.h>
 #include <resmgt/liResourcePath.h>
 #include <resmgt/msgServer.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsInterface3.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsSpillBlendInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsInterface3.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
 
 #include <cstdlib>
 #include <filesystem>

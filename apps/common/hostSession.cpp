@@ -12,9 +12,9 @@
 #include <pluginAPI/piSnItem.h>
 #include <pluginAPI/piTimePath.h>
 #include <resmgt/msgFileGuard.h>
-#include <tessera/img/tsDemoPlate.h>
-#include <tessera/tsNodeSelectChangedEvent.h>
-#include <tessera/tsSetup.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/tsNodeSelectChangedEvent.h>
+#include <tesseraCore/tsSetup.h>
 #include <ui/uiApplication.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiMainWindow.h>

@@ -10,9 +10,9 @@
 #include <pluginAPI/piImage.h>
 #include <pluginAPI/piNodeEvent.h>
 #include <pluginAPI/piPath.h>
-#include <tessera/tsGroupInterface.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsKeyerNode.h>
+#include <tesseraCore/tsGroupInterface.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerNode.h>
 
 #include <memory>
 #include <string>

@@ -6,8 +6,8 @@
 #include "sessionArgs.h"
 #include "sessionInterpreter.h"
 
-#include <tessera/img/tsDemoPlate.h>
-#include <tessera/img/tsPlateIO.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/io/tsPlateIO.h>
 
 #include <cmath>
 

@@ -3,7 +3,7 @@
 #include <base/exReporter.h>
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
-#include <tessera/tsKeyerNode.h>
+#include <tesseraCore/tsKeyerNode.h>
 #include <ui/uiViewer.h>
 
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piImage.h>
-#include <tessera/img/tsKeyerPass.h>
+#include <tesseraCore/img/tsKeyerPass.h>
 
 #include <cstdint>
 #include <memory>

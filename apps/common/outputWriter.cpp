@@ -5,7 +5,7 @@
 
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
-#include <tessera/img/tsPlateIO.h>
+#include <tesseraCore/io/tsPlateIO.h>
 #include <ui/uiViewer.h>
 
 #include <QImage>

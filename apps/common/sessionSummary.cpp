@@ -3,7 +3,7 @@
 #include "hostSession.h"
 #include "keyerImageSource.h"
 
-#include <tessera/img/tsDemoPlate.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
 
 #include <iomanip>
 #include <sstream>

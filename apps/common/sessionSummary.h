@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tessera/img/tsDemoPlate.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
 
 #include <optional>
 #include <string>

@@ -14,9 +14,9 @@
 #include <pluginAPI/piEventHandlingInterface.h>
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piPath.h>
-#include <tessera/tsDgTool.h>
-#include <tessera/tsMgTool.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiApplication.h>
 #include <ui/uiMainWindow.h>
 #include <ui/uiPanel.h>

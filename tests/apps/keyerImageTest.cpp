@@ -11,8 +11,8 @@
 #include <gfx/mfCurrentToolEventHandler.h>
 #include <gfx/mfToolset.h>
 #include <pluginAPI/piTimePath.h>
-#include <tessera/img/tsDemoPlate.h>
-#include <tessera/img/tsPlateIO.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/io/tsPlateIO.h>
 
 #include <QImage>
 

@@ -1,7 +1,7 @@
 #include "sessionScene.h"
 
 #include <pluginAPI/piPath.h>
-#include <tessera/tsSetup.h>
+#include <tesseraCore/tsSetup.h>
 #include <ui/uiViewer.h>
 
 #include <fstream>

@@ -6,9 +6,9 @@
 #include "fuzzSupport.h"
 
 #include <pluginAPI/piGraph.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsKeyerNode.h>
-#include <tessera/tsSetup.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerNode.h>
+#include <tesseraCore/tsSetup.h>
 
 #include <cstddef>
 #include <cstdint>

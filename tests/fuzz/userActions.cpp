@@ -34,8 +34,8 @@
 #include <pluginAPI/piNodeEvent.h>
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piTimePath.h>
-#include <tessera/img/tsDemoPlate.h>
-#include <tessera/tsSetup.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/tsSetup.h>
 #include <ui/uiDualState.h>
 #include <ui/uiLabel.h>
 #include <ui/uiMenu.h>

@@ -15,8 +15,8 @@
 #include <base/exBase.h>
 #include <gfx/mfToolset.h>
 #include <pluginAPI/piEventHandler.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsSpillBlendInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
 #include <ui/uiHotkeyRegistry.h>
 
 #include <string>

@@ -31,10 +31,10 @@
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/tmTimeClient.h>
 #include <resmgt/liStringUtil.h>
-#include <tessera/tsGroupInterface.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsKeyerNode.h>
-#include <tessera/tsMgInterface.h>
+#include <tesseraCore/tsGroupInterface.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerNode.h>
+#include <tesseraCore/tsMgInterface.h>
 #include <ui/uiApplication.h>
 #include <ui/uiDualState.h>
 #include <ui/uiGrab.h>

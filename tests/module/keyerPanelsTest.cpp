@@ -5,7 +5,7 @@
 #include "keyerPanelScene.h"
 #include "tsMgUi.h"
 
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsMgTool.h>
 
 #include <QImage>
 

@@ -42,9 +42,9 @@
 #include <pluginAPI/tmTimeClient.h>
 #include <resmgt/msgFileGuard.h>
 #include <resmgt/msgServer.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsMgTool.h>
 #include <tesseraUtil/tsMgUtils.h>
 #include <ui/uiApplication.h>
 #include <ui/uiViewer.h>

@@ -3,11 +3,11 @@
 #include <base/exReporter.h>
 #include <resmgt/msgFileGuard.h>
 #include <resmgt/msgServer.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsInterface3.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsSpillBlendInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsInterface3.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
 
 #include <gtest/gtest.h>
 

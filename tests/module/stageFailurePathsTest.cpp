@@ -10,8 +10,8 @@
 
 #include <gfx/mfRangeManipulator.h>
 #include <pluginAPI/piEventHandler.h>
-#include <tessera/tsDgTool.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiDualState.h>
 #include <ui/uiMenu.h>
 #include <ui/uiNodeWidgetFactory.h>

@@ -35,10 +35,10 @@
 #include <pluginAPI/piTimePath.h>
 #include <resmgt/msgFileGuard.h>
 #include <resmgt/msgServer.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsKeyerNode.h>
-#include <tessera/tsSpillBlendInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerNode.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
 #include <ui/uiApplication.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiPanel.h>

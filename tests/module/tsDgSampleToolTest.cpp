@@ -1,7 +1,7 @@
 #include "stageScene.h"
 
-#include <tessera/tsDgTool.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsMgTool.h>
 #include <tesseraUtil/tsUtils.h>
 
 namespace stages {

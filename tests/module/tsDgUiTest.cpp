@@ -3,7 +3,7 @@
 
 #include <gfx/wsCursorRegistry.h>
 #include <pluginAPI/piEventHandler.h>
-#include <tessera/tsDgTool.h>
+#include <tesseraCore/tsDgTool.h>
 #include <ui/uiDualState.h>
 #include <ui/uiPushButton.h>
 

@@ -4,7 +4,7 @@
 #include <base/exBase.h>
 #include <base/rcCast.h>
 #include <pluginAPI/piGraph.h>
-#include <tessera/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerGroup.h>
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include <gfx/wsCursorRegistry.h>
 #include <resmgt/msgFileGuard.h>
 #include <resmgt/msgServer.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsMgTool.h>
 #include <ui/uiGrabHandler.h>
 #include <ui/uiNodeWidgetFactory.h>
 #include <ui/uiPushButton.h>

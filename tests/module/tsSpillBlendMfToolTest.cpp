@@ -2,7 +2,7 @@
 #include "stageScene.h"
 
 #include <gfx/mfRangeManipulator.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 
 namespace stages {
 namespace {

@@ -2,8 +2,8 @@
 #include "stageScene.h"
 
 #include <gfx/wsCursorRegistry.h>
-#include <tessera/tsMgTool.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiDualState.h>
 #include <ui/uiMenu.h>
 #include <ui/uiPushButton.h>

@@ -5,12 +5,12 @@
 #include "tsMgUi.h"
 
 #include <gfx/wsFontUtils.h>
-#include <tessera/tsDgTool.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsInterface3.h>
-#include <tessera/tsMgTool.h>
-#include <tessera/tsNodeSelectChangedEvent.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsInterface3.h>
+#include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsNodeSelectChangedEvent.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiPanelDescription.h>
 
 #include <cstdlib>

@@ -4,9 +4,9 @@
 #include <base/exBase.h>
 #include <pluginAPI/piMenu.h>
 #include <pluginAPI/piNodeWidget.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsMgInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsMgInterface.h>
 #include <ui/uiEventCallback.h>
 #include <ui/uiNodeWidget.h>
 #include <ui/uiPushButton.h>

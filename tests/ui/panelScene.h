@@ -11,9 +11,9 @@
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/tmTimeClient.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsKeyerGroup.h>
-#include <tessera/tsKeyerNode.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsKeyerNode.h>
 #include <ui/uiPanel.h>
 
 #include <filesystem>

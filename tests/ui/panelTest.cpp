@@ -8,9 +8,9 @@
 #include <pluginAPI/piNodeWidget.h>
 #include <pluginAPI/piTrackball.h>
 #include <resmgt/liStringUtil.h>
-#include <tessera/tsDgTool.h>
-#include <tessera/tsMgTool.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiContainer.h>
 #include <ui/uiInputValueEditor.h>
 #include <ui/uiMenu.h>

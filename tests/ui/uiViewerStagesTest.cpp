@@ -2,12 +2,12 @@
 
 #include <base/cbMethod.h>
 #include <pluginAPI/piEventHandlingInterface.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsDgTool.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsMgTool.h>
-#include <tessera/tsSpillBlendInterface.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 
 #include <stdexcept>
 

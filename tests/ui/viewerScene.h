@@ -16,7 +16,7 @@
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piInputValue.h>
 #include <pluginAPI/piTimePath.h>
-#include <tessera/tsKeyerNode.h>
+#include <tesseraCore/tsKeyerNode.h>
 #include <ui/uiViewer.h>
 
 #include <functional>

@@ -4,11 +4,11 @@
 // that the user-interface module registers with the keyer's interfaces; the
 // remaining-settings panel has none: its fields are bound to the node's
 // inputs by their "input" properties.
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsInterface3.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsSpillBlendInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsInterface3.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
 
 #include <base/rcCast.h>
 #include <pluginAPI/piWidget.h>

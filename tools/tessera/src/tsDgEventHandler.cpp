@@ -14,9 +14,9 @@
 #include <pluginAPI/piStreamViewerUtil.h>
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piViewer.h>
-#include <tessera/tsDgInterface.h>
-#include <tessera/tsDgTool.h>
-#include <tessera/tsMgInterface.h>
+#include <tesseraCore/tsDgInterface.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsMgInterface.h>
 #include <ui/uiGrabHandler.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiWidget.h>

@@ -8,7 +8,7 @@
 #include <pluginAPI/piInputValue.h>
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piTypedAnimInput.h>
-#include <tessera/tsDgInterface.h>
+#include <tesseraCore/tsDgInterface.h>
 
 #include <memory>
 

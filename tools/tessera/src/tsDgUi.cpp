@@ -9,7 +9,7 @@
 #include <pluginAPI/piEventHandlingInterface.h>
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piNode.h>
-#include <tessera/tsDgTool.h>
+#include <tesseraCore/tsDgTool.h>
 #include <ui/uiApplication.h>
 
 namespace {

@@ -8,7 +8,7 @@
 #include <pluginAPI/piDualState.h>
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piWidget.h>
-#include <tessera/tsDgInterface.h>
+#include <tesseraCore/tsDgInterface.h>
 #include <ui/uiEventCallback.h>
 
 #include <memory>

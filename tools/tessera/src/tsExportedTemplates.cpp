@@ -10,7 +10,7 @@
 #include <base/prdPredicate.h>
 #include <base/rcBasePtr.h>
 #include <base/rcShdPtr.h>
-#include <tessera/tsMgTypes.h>
+#include <tesseraCore/tsMgTypes.h>
 #include <ui/uiNodeWidgetFactory.h>
 
 #include <ostream>

@@ -3,8 +3,8 @@
 #include <base/rcShdPtr.h>
 #include <gfx/mfImgPickColorTool.h>
 #include <pluginAPI/piInputRgbColor.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsTypes.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsTypes.h>
 
 class PiImgPick;
 class PiPath;

@@ -17,7 +17,7 @@
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piViewer.h>
 #include <resmgt/liStringUtil.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsMgTool.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiWidget.h>
 

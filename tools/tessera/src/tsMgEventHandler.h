@@ -6,7 +6,7 @@
 #include <base/rcWeakPtr.h>
 #include <gfx/mfCurrentToolEventHandler.h>
 #include <pluginAPI/piImgPick.h>
-#include <tessera/tsMgInterface.h>
+#include <tesseraCore/tsMgInterface.h>
 
 class PiNode;
 class PiPath;

@@ -10,8 +10,8 @@
 #include <pluginAPI/piInputRgbColor.h>
 #include <pluginAPI/piInputValue.h>
 #include <pluginAPI/piTimePath.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsMgTypes.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsMgTypes.h>
 
 // The matte-generation values of one keyer node, shared by the viewer
 // handler of the stage and its tools: live views of the nine matte

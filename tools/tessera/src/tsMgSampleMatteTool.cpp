@@ -18,7 +18,7 @@
 #include <pluginAPI/piViewer.h>
 #include <resmgt/msgServer.h>
 #include <resmgt/msgSubscription.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsMgTool.h>
 #include <tesseraUtil/tsMgAnimToAlgo.h>
 #include <tesseraUtil/tsMgUtils.h>
 

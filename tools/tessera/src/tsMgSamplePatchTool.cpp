@@ -7,7 +7,7 @@
 #include <pluginAPI/piNode.h>
 #include <resmgt/msgServer.h>
 #include <resmgt/msgSubscription.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsMgTool.h>
 #include <tesseraUtil/tsMgAnimToAlgo.h>
 #include <tesseraUtil/tsMgUtils.h>
 #include <tesseraUtil/tsUtils.h>

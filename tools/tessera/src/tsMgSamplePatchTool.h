@@ -11,7 +11,7 @@
 #include <pluginAPI/piNodeEvent.h>
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piTypedAnimInput.h>
-#include <tessera/tsMgInterface.h>
+#include <tesseraCore/tsMgInterface.h>
 
 #include <memory>
 

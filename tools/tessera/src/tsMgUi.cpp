@@ -12,8 +12,8 @@
 #include <pluginAPI/piEventHandlingInterface.h>
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piNode.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsMgTool.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsMgTool.h>
 #include <ui/uiApplication.h>
 #include <ui/uiGrab.h>
 #include <ui/uiInputMenu.h>

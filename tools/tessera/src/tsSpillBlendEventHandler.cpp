@@ -18,9 +18,9 @@
 #include <pluginAPI/piViewer.h>
 #include <resmgt/msgServer.h>
 #include <resmgt/msgSubscription.h>
-#include <tessera/tsMgInterface.h>
-#include <tessera/tsSpillBlendInterface.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiGrabHandler.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiWidget.h>

@@ -10,7 +10,7 @@
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piNode.h>
 #include <resmgt/liString.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 #include <ui/uiApplication.h>
 
 namespace {

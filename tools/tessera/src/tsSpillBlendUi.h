@@ -13,7 +13,7 @@
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piTrackball.h>
 #include <pluginAPI/piWidget.h>
-#include <tessera/tsSpillBlendInterface.h>
+#include <tesseraCore/tsSpillBlendInterface.h>
 #include <ui/uiEventCallback.h>
 
 #include <memory>

@@ -1,8 +1,8 @@
 #include "tsUiImp.h"
 
-#include <tessera/tsDgTool.h>
-#include <tessera/tsMgTool.h>
-#include <tessera/tsSpillBlendTool.h>
+#include <tesseraCore/tsDgTool.h>
+#include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsSpillBlendTool.h>
 
 namespace {
 

@@ -31,10 +31,10 @@
 #include <pluginAPI/piWidget.h>
 #include <resmgt/liString.h>
 #include <resmgt/liStringUtil.h>
-#include <tessera/tsGroupInterface.h>
-#include <tessera/tsInterface.h>
-#include <tessera/tsNodeSelectChangedEvent.h>
-#include <tessera/tsTool3.h>
+#include <tesseraCore/tsGroupInterface.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsNodeSelectChangedEvent.h>
+#include <tesseraCore/tsTool3.h>
 #include <ui/uiApplication.h>
 #include <ui/uiLabel.h>
 #include <ui/uiNodeWidget.h>

@@ -2,7 +2,7 @@
 
 #include "tsUiImp.h"
 
-#include <tessera/tsInterface3.h>
+#include <tesseraCore/tsInterface3.h>
 
 // The second variant of the main panel (see tsUiImp.h): for TsInterface3
 // groups. It follows the group's selected-nodes value

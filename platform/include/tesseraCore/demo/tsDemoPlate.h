@@ -1,0 +1,87 @@
+#pragma once
+
+#include <tesseraCore/tsKeyerSettings.h>
+
+#include <base/coRgbColorTyped.h>
+#include <pluginAPI/piImage.h>
+
+#include <cstddef>
+#include <cstdint>
+
+// How close a matte comes to a ground truth: mean absolute alpha error over
+// three disjoint regions. The edge band holds every pixel whose true alpha
+// lies strictly between 0 and 1 and every pixel within EdgeBandRadius pixels
+// of one (a square neighbourhood); inside and outside are the rest, with true
+// alpha 1 and 0.
+struct TsMatteScore {
+    static constexpr int EdgeBandRadius = 2;
+
+    double inside = 0.0;
+    double outside = 0.0;
+    double edge = 0.0;
+    double all = 0.0;
+    std::size_t insideCount = 0;
+    std::size_t outsideCount = 0;
+    std::size_t edgeCount = 0;
+};
+
+// The built-in demo plate, generated: a head-and-shoulders subject with soft
+// edges (crisp on its left, increasingly soft to its right) and a crown of
+// thin hair strands, over a green screen that is unevenly lit (within about
+// 6 %), grainy, and spills onto the subject's edges; with the ground truth
+// that made it, so that a key can be scored. The same options give the same
+// images, bit for bit. Geometry scales with the height; the default is
+// 1280 x 720.
+//
+// The plate is  truth alpha * (foreground + spill) + (1 - truth alpha) * screen,
+// plus grain on every pixel; spill adds the screen's chroma (its colour
+// minus its grey) to the foreground, most at the subject's edges and on the
+// hair.
+class TsDemoPlate {
+public:
+    struct Options {
+        int width = 1280;
+        int height = 720;
+        std::uint64_t seed = 1;
+    };
+
+    TsDemoPlate();
+    explicit TsDemoPlate(const Options& options);
+
+    const Options& getOptions() const { return _options; }
+    const PiImagePtr& getPlate() const { return _plate; }
+    // A scene for the composite: sky, sun and ground, without subject.
+    const PiImagePtr& getBackground() const { return _background; }
+    // The true alpha, laid out as a matte: (alpha, alpha, alpha, 1).
+    const PiImagePtr& getTruthAlpha() const { return _truthAlpha; }
+    // The subject's colour before spill and grain (straight), alpha = truth.
+    const PiImagePtr& getTruthForeground() const { return _truthForeground; }
+    // The mean screen colour without grain at the top-left corner.
+    const CoRgbColorTyped<float>& getScreenColour() const { return _screen; }
+
+    // The key colour as an artist would pick it: the per-channel median of
+    // the plate's top-left 32 x 32 corner, which is all screen.
+    CoRgbColorTyped<float> pickScreenColour() const;
+    // Default parameters with both key colours set to pickScreenColour().
+    TsKeyerSettings makeDefaultSettings() const;
+
+    // The score of a matte (alpha read from its first channel) against the
+    // truth; the matte must have the plate's size (otherwise every count is
+    // 0).
+    TsMatteScore score(const PiImage& matte) const;
+    static TsMatteScore score(const PiImage& truth, const PiImage& matte);
+
+    // The per-channel median of the pixels of [x, x + w) x [y, y + h)
+    // (clipped to the image; black when nothing is left).
+    static CoRgbColorTyped<float> medianColour(const PiImage& image, int x, int y, int w, int h);
+
+private:
+    void generate();
+
+    Options _options;
+    PiImagePtr _plate;
+    PiImagePtr _background;
+    PiImagePtr _truthAlpha;
+    PiImagePtr _truthForeground;
+    CoRgbColorTyped<float> _screen;
+};

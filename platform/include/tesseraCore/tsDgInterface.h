@@ -1,0 +1,53 @@
+#pragma once
+
+#include <tesseraCore/tsMgInterface.h>
+
+// The degrain stage of a keyer node: the degrain box (colours counted as
+// screen grain), its on/off flag, and the key colours it is arranged
+// against. Reached by casting the keyer node's controller.
+class TsDgInterface : public virtual PiNodeController {
+public:
+    using EhFactory = TsMgInterface::EhFactory;
+    using UiFactory = RCShdPtr<RCBase<LkCounter<int>>> (*)(TsDgInterface&,
+                                                           const RCShdPtr<PiWidget>&,
+                                                           const RCShdPtr<const PiTimePath>&);
+
+    // As TsMgInterface's registries, for the degrain stage.
+    static void registerEhFactory(EhFactory factory);
+    static void unregisterEhFactory(EhFactory factory);
+    static void registerUiFactory(UiFactory factory);
+    static void unregisterUiFactory(UiFactory factory);
+    static EhFactory getEhFactory();
+    static UiFactory getUiFactory();
+    template <class Handler = PiEventHandler>
+    static RCStrongPtr<Handler> createEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& node,
+                                                   const RCShdPtr<PiPath>& path) {
+        if (EhFactory f = requireEhFactory()) {
+            return f(viewer, node, path);
+        }
+        return RCStrongPtr<Handler>();
+    }
+    static EhFactory requireEhFactory();
+    static UiFactory requireUiFactory();
+    RCShdPtr<RCBase<LkCounter<int>>> createUi(const RCShdPtr<PiWidget>& widget,
+                                              const RCShdPtr<const PiTimePath>& timePath);
+
+    // Element (row 0..2, column 0..3) of the degrain box matrix.
+    virtual RCShdPtr<PiInput> getDegrainBoxInput(int row, int column) const = 0;
+    // The on/off flag (bool).
+    virtual RCShdPtr<PiInput> getDegrainInput() const = 0;
+    // The blend between the key colours (matte parameter 8).
+    virtual RCShdPtr<PiInput> getKeyBlendInput() const = 0;
+    virtual RCShdPtr<PiStructuredInput> getKeyColorInput(TsTypes::KeyColor k) const = 0;
+
+    // True when both key colours are locked: picking them is impossible, so
+    // the stage panels offer no key-colour toggles.
+    virtual bool hasNoKeyColorToggles() const = 0;
+
+    // Degrain off, identity box (locked inputs are left as they are). One
+    // undo step ("Reset Screen Degrain") unless the caller has one open.
+    virtual void resetDegrain() = 0;
+
+protected:
+    TsDgInterface() = default;
+};

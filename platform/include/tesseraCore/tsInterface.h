@@ -1,0 +1,23 @@
+#pragma once
+
+#include <tesseraCore/tsGroupInterface.h>
+
+// The keyer group of the first generation: the interface its group node
+// answers (PiGroupNode::getInterface).
+class TsInterface : public TsGroupInterface {
+public:
+    // The factory of the main keyer panel's instance data. Setting it again
+    // replaces it; null withdraws it.
+    static void setInstanceDataFactory(InstanceDataFactory factory);
+    static InstanceDataFactory getInstanceDataFactory();
+    // The factory, or null with a report.
+    static InstanceDataFactory requireInstanceDataFactory();
+    // What the factory makes for a keyer group; empty, and a report, without
+    // a factory.
+    static RCShdPtr<RCBase<LkCounter<int>>>
+    createInstanceData(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGroupNode>& group,
+                       const RCShdPtr<const PiTimePath>& timePath);
+
+protected:
+    TsInterface() = default;
+};

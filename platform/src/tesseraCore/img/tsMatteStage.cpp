@@ -1,0 +1,159 @@
+#include <tesseraCore/img/tsMatteStage.h>
+
+#include <tesseraUtil/tsMgAnimToAlgo.h>
+#include <tesseraUtil/tsMgUtils.h>
+#include <tesseraUtil/tsUtils.h>
+
+#include "tsPixelKernel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+float unit(double v) {
+    // NaN fails the comparison and ends up 0.
+    return v > 0.0 ? static_cast<float>(std::min(v, 1.0)) : 0.0f;
+}
+
+constexpr float HardEdge = 1e30f;
+
+} // namespace
+
+TsMatteStage::TsMatteStage(const TsKeyerSettings& settings) {
+    const auto& p = settings.matte;
+    const float blend = unit(p[8]);
+    const auto& k0 = settings.keyColors[0];
+    const auto& k1 = settings.keyColors[1];
+    _key = {k0.r * (1.0f - blend) + k1.r * blend, k0.g * (1.0f - blend) + k1.g * blend,
+            k0.b * (1.0f - blend) + k1.b * blend};
+    _intrusion = TsMgAnimToAlgo::overallToIntrusion(static_cast<float>(p[0]));
+    _opponent = TsMgAnimToAlgo::rangeEToOpponent(static_cast<float>(p[7]));
+    _softness = TsMgUtils::getSoftnessMatrix(_key, _intrusion);
+    for (int row = 0; row < 3; ++row) {
+        for (int column = 0; column < 4; ++column) {
+            _base.s[4 * row + column] = _softness.get(row, column);
+        }
+    }
+    _base.deepLimit = -_intrusion;
+    _base.opponent = _opponent;
+    _base.shadows = unit(p[1]);
+    _base.highlights = unit(p[2]);
+    _base.deepPlus = unit(p[3]);
+    _base.deepMinus = unit(p[4]);
+    _base.huePlus = unit(p[5]);
+    _base.hueMinus = unit(p[6]);
+
+    _degrain = settings.degrainOn && settings.degrainBox != CoAffineMatrixTyped<float>::IDENTITY;
+    _degrainBox = settings.degrainBox;
+
+    for (const TsKeyerSettings::Patch& patch : settings.patches) {
+        if (patch.mode < 1 || patch.mode > 3 || patch.box == CoAffineMatrixTyped<float>::IDENTITY) {
+            continue;
+        }
+        const float softness = unit(patch.softness);
+        _patches.push_back({patch.box, patch.mode, 1.0f + unit(patch.range),
+                            softness > 0.0f ? 1.0f / softness : HardEdge});
+    }
+}
+
+float TsMatteStage::alphaOf(float r, float g, float b) const {
+    float alpha;
+    computeAlpha(&r, &g, &b, &alpha, 1);
+    return alpha;
+}
+
+void TsMatteStage::computeAlpha(const float* r, const float* g, const float* b, float* alpha,
+                                int n) const {
+    for (int base = 0; base < n; base += BlockSize) {
+        const int count = std::min(BlockSize, n - base);
+        if (count == BlockSize) {
+            computeBlock(r + base, g + base, b + base, alpha + base);
+            continue;
+        }
+        // A short block goes through the same loops, padded.
+        alignas(64) float pr[BlockSize] = {}, pg[BlockSize] = {}, pb[BlockSize] = {};
+        alignas(64) float pa[BlockSize];
+        std::copy(r + base, r + base + count, pr);
+        std::copy(g + base, g + base + count, pg);
+        std::copy(b + base, b + base + count, pb);
+        computeBlock(pr, pg, pb, pa);
+        std::copy(pa, pa + count, alpha + base);
+    }
+}
+
+// Loops of a fixed count, so that the compiler vectorises them without
+// remainder handling.
+TS_PIXEL_KERNEL
+void TsMatteStage::computeBlock(const float* __restrict r, const float* __restrict g,
+                                const float* __restrict b, float* __restrict alpha) const {
+    const Base base = _base;
+    const float zero = tsPixelZero, one = tsPixelOne;
+    for (int k = 0; k < BlockSize; ++k) {
+        float d1, d2, d3;
+        alpha[k] = base.alpha(r[k], g[k], b[k], d1, d2, d3, zero, one);
+    }
+    if (hasBoxRules()) {
+        applyBoxRulesBlock(r, g, b, alpha);
+    }
+}
+
+void TsMatteStage::applyBoxRules(const float* r, const float* g, const float* b, float* alpha,
+                                 int n) const {
+    for (int base = 0; base < n; base += BlockSize) {
+        const int count = std::min(BlockSize, n - base);
+        if (count == BlockSize) {
+            applyBoxRulesBlock(r + base, g + base, b + base, alpha + base);
+            continue;
+        }
+        alignas(64) float pr[BlockSize] = {}, pg[BlockSize] = {}, pb[BlockSize] = {};
+        alignas(64) float pa[BlockSize] = {};
+        std::copy(r + base, r + base + count, pr);
+        std::copy(g + base, g + base + count, pg);
+        std::copy(b + base, b + base + count, pb);
+        std::copy(alpha + base, alpha + base + count, pa);
+        applyBoxRulesBlock(pr, pg, pb, pa);
+        std::copy(pa, pa + count, alpha + base);
+    }
+}
+
+TS_PIXEL_KERNEL
+void TsMatteStage::applyBoxRulesBlock(const float* __restrict r, const float* __restrict g,
+                                      const float* __restrict b, float* __restrict alpha) const {
+    const float zero = tsPixelZero, one = tsPixelOne;
+    if (_degrain) {
+        const auto& m = _degrainBox;
+        const float m0 = m[0], m4 = m[4], m8 = m[8], m12 = m[12];
+        const float m1 = m[1], m5 = m[5], m9 = m[9], m13 = m[13];
+        const float m2 = m[2], m6 = m[6], m10 = m[10], m14 = m[14];
+        for (int k = 0; k < BlockSize; ++k) {
+            const float q0 = m0 * r[k] + m4 * g[k] + m8 * b[k] + m12;
+            const float q1 = m1 * r[k] + m5 * g[k] + m9 * b[k] + m13;
+            const float q2 = m2 * r[k] + m6 * g[k] + m10 * b[k] + m14;
+            const float q = maxOf(std::fabs(q0), maxOf(std::fabs(q1), std::fabs(q2)));
+            const float a = alpha[k];
+            alpha[k] = q <= 1.0f ? 0.0f : a;
+        }
+    }
+
+    for (const BoxRule& patch : _patches) {
+        const auto& m = patch.box;
+        const float m0 = m[0], m4 = m[4], m8 = m[8], m12 = m[12];
+        const float m1 = m[1], m5 = m[5], m9 = m[9], m13 = m[13];
+        const float m2 = m[2], m6 = m[6], m10 = m[10], m14 = m[14];
+        const float reach = patch.reach;
+        const float invSoftness = patch.invSoftness;
+        // The three modes as one blend towards a target:
+        // alpha += w share (target - alpha).
+        const float target = patch.mode == 2 ? 1.0f : patch.mode == 3 ? 0.0f : 0.5f;
+        const float share = patch.mode == 1 ? 0.5f : 1.0f;
+        for (int k = 0; k < BlockSize; ++k) {
+            const float q0 = m0 * r[k] + m4 * g[k] + m8 * b[k] + m12;
+            const float q1 = m1 * r[k] + m5 * g[k] + m9 * b[k] + m13;
+            const float q2 = m2 * r[k] + m6 * g[k] + m10 * b[k] + m14;
+            const float q = maxOf(std::fabs(q0), maxOf(std::fabs(q1), std::fabs(q2)));
+            const float w = minOf(maxOf(one - (q - reach) * invSoftness, zero), one);
+            alpha[k] += w * share * (target - alpha[k]);
+        }
+    }
+}

@@ -1,0 +1,299 @@
+#include <tesseraCore/io/tsPlateIO.h>
+
+#include <base/exReporter.h>
+
+#include <OpenImageIO/imageio.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+namespace {
+
+std::string lower(std::string s) {
+    std::transform(s.begin(), s.end(), s.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return s;
+}
+
+// The library's message on one line (several lines joined with "; "); a
+// generic text when it gave none.
+std::string cleaned(const std::string& message, const char* fallback) {
+    std::string out;
+    std::string line;
+    auto flush = [&] {
+        while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) {
+            line.pop_back();
+        }
+        if (!line.empty()) {
+            out += (out.empty() ? "" : "; ") + line;
+        }
+        line.clear();
+    };
+    for (char c : message) {
+        if (c == '\n') {
+            flush();
+        } else {
+            line += c;
+        }
+    }
+    flush();
+    return out.empty() ? std::string(fallback) : out;
+}
+
+std::string readFailure(const std::string& path, const std::string& why) {
+    return "cannot read plate \"" + path + "\": " + why;
+}
+
+std::string writeFailure(const std::string& path, const std::string& why) {
+    return "cannot write image \"" + path + "\": " + why;
+}
+
+PiImagePtr readImage(const std::string& path, std::string& error) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec)) {
+        error = readFailure(path, std::filesystem::exists(path, ec) ? "not a regular file"
+                                                                    : "no such file");
+        return {};
+    }
+    OIIO::ImageSpec config;
+    config.attribute("oiio:UnassociatedAlpha", 1);
+    std::unique_ptr<OIIO::ImageInput> in = OIIO::ImageInput::open(path, &config);
+    if (!in) {
+        error = readFailure(path, cleaned(OIIO::geterror(), "unknown or unreadable format"));
+        return {};
+    }
+    const OIIO::ImageSpec spec = in->spec();
+    const int channels = spec.nchannels;
+    if (spec.deep) {
+        error = readFailure(path, "deep images are not supported");
+        return {};
+    }
+    if (channels != 1 && channels != 3 && channels != 4) {
+        error = readFailure(path, std::to_string(channels) +
+                                      " channels (only 1, 3 or 4 channels are read)");
+        return {};
+    }
+    if (spec.width <= 0 || spec.height <= 0 || spec.full_width <= 0 || spec.full_height <= 0) {
+        error = readFailure(path, "empty image");
+        return {};
+    }
+    const bool integer = !spec.format.is_floating_point();
+    const bool srgb = integer && lower(spec.get_string_attribute("oiio:ColorSpace")) == "srgb";
+    const bool associated =
+        channels == 4 && spec.get_int_attribute("oiio:UnassociatedAlpha", 0) == 0;
+
+    // Integer files are read as 16-bit and decoded through tables; the rest
+    // as float.
+    const std::size_t values = static_cast<std::size_t>(spec.width) *
+                               static_cast<std::size_t>(spec.height) *
+                               static_cast<std::size_t>(channels);
+    std::vector<float> data;
+    std::vector<std::uint16_t> codes;
+    try {
+        if (integer) {
+            codes.resize(values);
+        } else {
+            data.resize(values);
+        }
+    } catch (const std::exception&) {
+        error = readFailure(path, "image too large");
+        return {};
+    }
+    const bool ok = integer
+                        ? in->read_image(0, 0, 0, channels, OIIO::TypeDesc::UINT16, codes.data())
+                        : in->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, data.data());
+    // Some readers note a damaged file but still answer true.
+    if (!ok || in->has_error()) {
+        error = readFailure(path, cleaned(in->geterror(), "read failed"));
+        // Closing a damaged file can note further errors; they are taken too,
+        // so that none is left over to prefix the message of a later failure.
+        in->close();
+        (void)in->geterror();
+        (void)OIIO::geterror();
+        return {};
+    }
+    in->close();
+
+    std::vector<float> linearTable, colourTable;
+    if (integer) {
+        linearTable.resize(65536);
+        colourTable.resize(65536);
+        for (int code = 0; code < 65536; ++code) {
+            linearTable[code] = static_cast<float>(code) / 65535.0f;
+            colourTable[code] =
+                srgb ? TsPlateIO::srgbToLinear(linearTable[code]) : linearTable[code];
+        }
+    }
+    auto value = [&](std::size_t index, bool colour) {
+        if (integer) {
+            return (colour ? colourTable : linearTable)[codes[index]];
+        }
+        const float v = data[index];
+        return std::isnan(v) ? 0.0f : v;
+    };
+
+    auto plate = rcMake<PiImage>(spec.full_width, spec.full_height);
+    const int top = spec.full_y + spec.full_height - 1; // image-space y of plate row 0
+    for (int y = spec.y; y < spec.y + spec.height; ++y) {
+        const int j = top - y;
+        if (j < 0 || j >= spec.full_height) {
+            continue;
+        }
+        const std::size_t rowStart =
+            static_cast<std::size_t>(y - spec.y) * static_cast<std::size_t>(spec.width) * channels;
+        float* dst = plate->row(j);
+        for (int x = spec.x; x < spec.x + spec.width; ++x) {
+            const int i = x - spec.full_x;
+            if (i < 0 || i >= spec.full_width) {
+                continue;
+            }
+            const std::size_t s = rowStart + static_cast<std::size_t>(x - spec.x) * channels;
+            float rgba[4];
+            if (channels == 1) {
+                rgba[0] = rgba[1] = rgba[2] = value(s, true);
+                rgba[3] = 1.0f;
+            } else {
+                rgba[0] = value(s, true);
+                rgba[1] = value(s + 1, true);
+                rgba[2] = value(s + 2, true);
+                rgba[3] = channels == 4 ? value(s + 3, false) : 1.0f;
+            }
+            if (associated && rgba[3] > 0.0f) {
+                for (int c = 0; c < 3; ++c) {
+                    rgba[c] /= rgba[3];
+                }
+            }
+            std::copy(rgba, rgba + 4, dst + 4 * i);
+        }
+    }
+    return plate;
+}
+
+bool writeImage(const PiImage& image, const std::string& path, std::string& error) {
+    if (image.isEmpty()) {
+        error = writeFailure(path, "the image is empty");
+        return false;
+    }
+    const std::string extension = lower(std::filesystem::path(path).extension().string());
+    const bool exr = extension == ".exr";
+    const bool png = extension == ".png";
+    if (!exr && !png) {
+        error = writeFailure(path, "unsupported extension \"" + extension +
+                                       "\" (images are written as .exr or .png)");
+        return false;
+    }
+    std::unique_ptr<OIIO::ImageOutput> out = OIIO::ImageOutput::create(path);
+    if (!out) {
+        error = writeFailure(path, cleaned(OIIO::geterror(), "no writer for this format"));
+        return false;
+    }
+    const int width = image.getWidth();
+    const int height = image.getHeight();
+    OIIO::ImageSpec spec(width, height, 4, exr ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT16);
+    spec.alpha_channel = 3;
+    if (png) {
+        spec.attribute("oiio:UnassociatedAlpha", 1);
+        spec.attribute("oiio:ColorSpace", "sRGB");
+    }
+    // The file's rows top to bottom, converted for the format.
+    std::vector<float> data(4 * image.getPixelCount());
+    for (int y = 0; y < height; ++y) {
+        const float* src = image.row(height - 1 - y);
+        float* dst = data.data() + 4 * static_cast<std::size_t>(width) * y;
+        for (int x = 0; x < width; ++x) {
+            const float* s = src + 4 * x;
+            float* d = dst + 4 * x;
+            if (exr) {
+                d[0] = s[0] * s[3];
+                d[1] = s[1] * s[3];
+                d[2] = s[2] * s[3];
+                d[3] = s[3];
+            } else {
+                for (int c = 0; c < 3; ++c) {
+                    d[c] = TsPlateIO::linearToSrgb(std::clamp(s[c], 0.0f, 1.0f));
+                }
+                d[3] = std::clamp(s[3], 0.0f, 1.0f);
+            }
+        }
+    }
+    // Written aside and renamed, so that a failure leaves an earlier file
+    // intact.
+    const std::string part = path + ".part";
+    if (!out->open(part, spec)) {
+        error = writeFailure(path, cleaned(out->geterror(), "cannot create the file"));
+        return false;
+    }
+    const bool written = out->write_image(OIIO::TypeDesc::FLOAT, data.data());
+    const bool closed = out->close();
+    std::error_code ec;
+    if (!written || !closed) {
+        error = writeFailure(path, cleaned(out->geterror(), "write failed"));
+        std::filesystem::remove(part, ec);
+        return false;
+    }
+    std::filesystem::rename(part, path, ec);
+    if (ec) {
+        error = writeFailure(path, ec.message());
+        std::filesystem::remove(part, ec);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+PiImagePtr TsPlateIO::read(const std::string& path, std::string& error) {
+    error.clear();
+    try {
+        return readImage(path, error);
+    } catch (const std::exception& ex) {
+        error = readFailure(path, ex.what());
+    } catch (...) {
+        error = readFailure(path, "unknown failure");
+    }
+    return {};
+}
+
+bool TsPlateIO::write(const PiImage& image, const std::string& path, std::string& error) {
+    error.clear();
+    try {
+        return writeImage(image, path, error);
+    } catch (const std::exception& ex) {
+        error = writeFailure(path, ex.what());
+    } catch (...) {
+        error = writeFailure(path, "unknown failure");
+    }
+    return false;
+}
+
+PiImagePtr TsPlateIO::readReported(const std::string& path) {
+    std::string error;
+    PiImagePtr plate = read(path, error);
+    if (!plate) {
+        ExReporter::getInstance().report("plate reader", error);
+    }
+    return plate;
+}
+
+bool TsPlateIO::writeReported(const PiImage& image, const std::string& path) {
+    std::string error;
+    const bool ok = write(image, path, error);
+    if (!ok) {
+        ExReporter::getInstance().report("image writer", error);
+    }
+    return ok;
+}
+
+float TsPlateIO::srgbToLinear(float v) {
+    return v <= 0.04045f ? v / 12.92f : std::pow((v + 0.055f) / 1.055f, 2.4f);
+}
+
+float TsPlateIO::linearToSrgb(float v) {
+    return v <= 0.0031308f ? v * 12.92f : 1.055f * std::pow(v, 1.0f / 2.4f) - 0.055f;
+}

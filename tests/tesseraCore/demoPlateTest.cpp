@@ -1,0 +1,202 @@
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/img/tsKeyerPass.h>
+
+#include <tesseraUtil/tsMgUtils.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+namespace {
+
+using Rgb = CoRgbColorTyped<float>;
+
+// The demo plate at a reduced size (quick in unoptimised builds), measured in
+// the softness space of its own screen colour.
+class DemoPlate : public ::testing::Test {
+protected:
+    static const TsDemoPlate& demo() {
+        static const TsDemoPlate plate(TsDemoPlate::Options{640, 360, 1});
+        return plate;
+    }
+
+    static CoAffineMatrixTyped<float> softness() {
+        return TsMgUtils::getSoftnessMatrix(demo().pickScreenColour(), 0.0f);
+    }
+    static float truth(int i, int j) { return demo().getTruthAlpha()->getPixel(i, j).r; }
+};
+
+TEST_F(DemoPlate, SameOptionsGiveTheSameImagesAndSeedsDiffer) {
+    const TsDemoPlate again(TsDemoPlate::Options{640, 360, 1});
+    const TsDemoPlate other(TsDemoPlate::Options{640, 360, 2});
+    const std::size_t bytes = 4 * demo().getPlate()->getPixelCount() * sizeof(float);
+    EXPECT_EQ(std::memcmp(again.getPlate()->data(), demo().getPlate()->data(), bytes), 0);
+    EXPECT_EQ(std::memcmp(again.getTruthAlpha()->data(), demo().getTruthAlpha()->data(), bytes), 0);
+    EXPECT_NE(std::memcmp(other.getPlate()->data(), demo().getPlate()->data(), bytes), 0);
+    EXPECT_NE(std::memcmp(other.getTruthAlpha()->data(), demo().getTruthAlpha()->data(), bytes), 0);
+    EXPECT_EQ(demo().getBackground()->getWidth(), 640);
+    EXPECT_EQ(TsDemoPlate().getPlate()->getWidth(), 1280);
+}
+
+TEST_F(DemoPlate, GroundTruthAgreesWithThePlate) {
+    const PiImage& plate = *demo().getPlate();
+    const PiImage& alpha = *demo().getTruthAlpha();
+    const PiImage& fg = *demo().getTruthForeground();
+    const CoAffineMatrixTyped<float> s = softness();
+    // Where the truth is 0 the plate is screen (near the key colour on axis
+    // 1, grain and uneven light aside); where it is 1 the plate is far from
+    // it; between, the plate's distance from the screen follows the truth.
+    int notScreen = 0, notSubject = 0, foregroundAlphaDiffers = 0;
+    double sumA = 0, sumD = 0, sumAA = 0, sumDD = 0, sumAD = 0;
+    int partial = 0;
+    for (int j = 0; j < plate.getHeight(); ++j) {
+        for (int i = 0; i < plate.getWidth(); ++i) {
+            const float a = alpha.row(j)[4 * i];
+            const float* p = plate.row(j) + 4 * i;
+            const float d = s[0] * p[0] + s[4] * p[1] + s[8] * p[2] + s[12];
+            foregroundAlphaDiffers += fg.row(j)[4 * i + 3] != a;
+            if (a == 0.0f) {
+                notScreen += std::fabs(d) >= 0.25f;
+            } else if (a == 1.0f) {
+                notSubject += d <= 0.5f;
+            } else {
+                ++partial;
+                sumA += a;
+                sumD += d;
+                sumAA += a * a;
+                sumDD += d * d;
+                sumAD += a * d;
+            }
+        }
+    }
+    EXPECT_EQ(notScreen, 0);
+    EXPECT_EQ(notSubject, 0);
+    EXPECT_EQ(foregroundAlphaDiffers, 0);
+    ASSERT_GT(partial, 1000);
+    const double n = partial;
+    const double correlation = (sumAD - sumA * sumD / n) /
+                               std::sqrt((sumAA - sumA * sumA / n) * (sumDD - sumD * sumD / n));
+    EXPECT_GT(correlation, 0.9);
+}
+
+TEST_F(DemoPlate, EdgesAreSoftOnOneSideAndHairIsThin) {
+    // Along a row through the torso: the left edge is crisp, the right soft.
+    const int j = static_cast<int>(0.15 * 360);
+    int left = 0, right = 0;
+    for (int i = 0; i < 640; ++i) {
+        const float a = truth(i, j);
+        if (a > 0.0f && a < 1.0f) {
+            (i < 320 ? left : right) += 1;
+        }
+    }
+    EXPECT_LE(left, 2);
+    EXPECT_GE(right, left + 2);
+    // Above the hair cap: strands, mostly partly covered pixels.
+    int strands = 0, solid = 0;
+    for (int jj = static_cast<int>(0.8 * 360); jj < 360; ++jj) {
+        for (int i = 0; i < 640; ++i) {
+            const float a = truth(i, jj);
+            strands += a > 0.0f && a < 1.0f;
+            solid += a == 1.0f;
+        }
+    }
+    EXPECT_GT(strands, 300);
+    EXPECT_LT(solid, strands / 4);
+}
+
+TEST_F(DemoPlate, ScreenCornerGivesTheKeyColour) {
+    const Rgb picked = demo().pickScreenColour();
+    const Rgb screen = demo().getScreenColour();
+    for (int c = 0; c < 3; ++c) {
+        EXPECT_NEAR(picked[c], screen[c], 0.003f);
+    }
+    const TsKeyerSettings settings = demo().makeDefaultSettings();
+    EXPECT_EQ(settings.keyColors[0], picked);
+    EXPECT_EQ(settings.keyColors[1], picked);
+    EXPECT_EQ(settings.matte, TsKeyerSettings().matte);
+}
+
+TEST_F(DemoPlate, ScoreSeparatesInsideOutsideAndEdge) {
+    const PiImage& truthImage = *demo().getTruthAlpha();
+    const TsMatteScore perfect = demo().score(truthImage);
+    EXPECT_EQ(perfect.all, 0.0);
+    EXPECT_GT(perfect.insideCount, 10000u);
+    EXPECT_GT(perfect.outsideCount, 100000u);
+    EXPECT_GT(perfect.edgeCount, 1000u);
+    EXPECT_EQ(perfect.insideCount + perfect.outsideCount + perfect.edgeCount, 640u * 360u);
+
+    const TsMatteScore black = demo().score(PiImage(640, 360, {0, 0, 0, 1}));
+    EXPECT_EQ(black.inside, 1.0);
+    EXPECT_EQ(black.outside, 0.0);
+    EXPECT_GT(black.edge, 0.1);
+    EXPECT_LT(black.edge, 0.9);
+    const TsMatteScore white = demo().score(PiImage(640, 360, {1, 1, 1, 1}));
+    EXPECT_EQ(white.outside, 1.0);
+    EXPECT_NEAR(white.edge + black.edge, 1.0, 1e-9);
+    EXPECT_EQ(demo().score(PiImage(10, 10)).edgeCount, 0u); // wrong size
+}
+
+TEST_F(DemoPlate, DefaultKeyOfTheScreenColourIsAlreadyGood) {
+    TsKeyerPass pass;
+    pass.setPlate(demo().getPlate());
+    pass.setSettings(demo().makeDefaultSettings());
+    const TsMatteScore score = demo().score(*pass.render(TsViewMode::Matte));
+    EXPECT_LT(score.outside, 0.002);
+    EXPECT_LT(score.inside, 0.002);
+    EXPECT_LT(score.edge, 0.1);
+}
+
+TEST_F(DemoPlate, DespillTakesTheGreenCastOffTheEdges) {
+    TsKeyerSettings settings = demo().makeDefaultSettings();
+    const TsMgUtils::KeyAxes axes = TsMgUtils::getKeyAxes(settings.keyColors[0]);
+    // The key's chroma in a colour, as a share of the key's own.
+    auto cast = [&](const CoRgbaColorTyped<float>& c) {
+        return -(axes.axis[0].r * c.r + axes.axis[0].g * c.g + axes.axis[0].b * c.b) / axes.chroma;
+    };
+    auto meanCast = [&](const PiImage& image) {
+        double sum = 0;
+        int n = 0;
+        for (int j = 0; j < image.getHeight(); ++j) {
+            for (int i = 0; i < image.getWidth(); ++i) {
+                const float a = truth(i, j);
+                if (a > 0.3f && a < 0.95f) {
+                    sum += cast(image.getPixel(i, j));
+                    ++n;
+                }
+            }
+        }
+        return sum / n;
+    };
+    TsKeyerPass pass;
+    pass.setPlate(demo().getPlate());
+    const double plateCast = meanCast(*demo().getPlate());
+    const double subjectCast = meanCast(*demo().getTruthForeground());
+    EXPECT_GT(plateCast, 0.3);
+    EXPECT_LT(subjectCast, 0.0);
+
+    settings.spill = {1.0, 0.5};
+    pass.setSettings(settings);
+    const double full = meanCast(*pass.render(TsViewMode::Foreground));
+    EXPECT_LT(full, 0.02);
+    settings.spill = {0.5, 0.5}; // the default amount: half of it
+    pass.setSettings(settings);
+    const double half = meanCast(*pass.render(TsViewMode::Foreground));
+    EXPECT_NEAR(half, 0.5 * plateCast, 0.1 * plateCast);
+}
+
+TEST(DemoPlateMedian, MedianPerChannelOverAClippedRectangle) {
+    PiImage image(4, 4, {0, 0, 0, 1});
+    const float values[5] = {0.5f, 0.1f, 0.9f, 0.3f, 0.7f};
+    for (int k = 0; k < 4; ++k) {
+        image.setPixel(k, 3, {values[k], 1.0f - values[k], 0.2f, 1});
+    }
+    image.setPixel(3, 2, {values[4], 1.0f - values[4], 0.2f, 1});
+    // The rectangle reaches beyond the image: only (2..3, 2..3) count.
+    const Rgb m = TsDemoPlate::medianColour(image, 2, 2, 5, 5);
+    // r over {0.9, 0.3, 0, 0.7}: the upper median 0.7.
+    EXPECT_EQ(m.r, 0.7f);
+    EXPECT_EQ(TsDemoPlate::medianColour(image, 10, 10, 2, 2), Rgb{});
+}
+
+} // namespace

@@ -1,0 +1,125 @@
+#include <pluginAPI/piGraph.h>
+#include <tesseraCore/tsInterface.h>
+#include <tesseraCore/tsInterface3.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsNodeSelectChangedEvent.h>
+#include <tesseraCore/tsTool3.h>
+
+#include <base/cbMethod.h>
+#include <base/exBase.h>
+#include <base/exReporter.h>
+#include <base/rcCast.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+// A first-generation keyer group with three keyer nodes in a graph, a node
+// outside it, and a log of the group's selection events.
+class KeyerGroupScene : public ::testing::Test {
+protected:
+    void SetUp() override {
+        graph = PiGraph::create();
+        group = TsKeyerGroup::create("keyer", 1, 3);
+        stranger = rcMake<PiNode>("grade");
+        graph->getRoot()->addNode(group);
+        graph->getRoot()->addNode(stranger);
+        keyer = rcCast<TsInterface>(group->getInterface());
+        keyer->addCallback<TsNodeSelectChangedEvent>(&selectChanged);
+        ExReporter::getInstance().clear();
+    }
+
+public:
+    void onSelectChanged(const PiNodeEvent& e) {
+        const auto& s = static_cast<const TsNodeSelectChangedEvent&>(e);
+        events.push_back(e.getNode()->getName() + ":" +
+                         (s.getSelectedNode() ? s.getSelectedNode()->getName() : "-"));
+    }
+
+protected:
+    RCShdPtr<PiNode> keyerNode(int i) { return keyer->getKeyerNode(i); }
+
+    RCShdPtr<PiGraph> graph;
+    RCShdPtr<TsKeyerGroup> group;
+    RCShdPtr<PiNode> stranger;
+    RCShdPtr<TsInterface> keyer;
+    std::vector<std::string> events;
+    CbMethod<KeyerGroupScene, const PiNodeEvent> selectChanged{this,
+                                                               &KeyerGroupScene::onSelectChanged};
+};
+
+TEST_F(KeyerGroupScene, TheGroupHoldsBoundaryNodesAndKeyerNodes) {
+    EXPECT_EQ(group->getNodeCount(), 5);
+    EXPECT_TRUE(group->getInputNode());
+    EXPECT_TRUE(group->getOutputNode());
+    ASSERT_EQ(keyer->getKeyerNodeCount(), 3);
+    EXPECT_EQ(keyerNode(2)->getName(), "keyer3");
+    EXPECT_FALSE(rcTestCast<TsInterface3>(group->getInterface()));
+}
+
+TEST_F(KeyerGroupScene, SlotsHoldOneNodeEachAndShowItsName) {
+    EXPECT_EQ(keyer->getSlotName(0), "");
+    EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), -1);
+    ASSERT_TRUE(keyer->setSlotNode(2, keyerNode(1)));
+    EXPECT_TRUE(PiGraphObject::areEqual(keyer->getSlotNode(2), keyerNode(1)));
+    EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), 2);
+    EXPECT_EQ(keyer->getSlotName(2), "keyer2");
+    keyerNode(1)->setName("hair");
+    EXPECT_EQ(keyer->getSlotName(2), "hair");
+    // Moving a node to another slot empties the one it was in, as one step.
+    ASSERT_TRUE(keyer->setSlotNode(5, keyerNode(1)));
+    EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), 5);
+    EXPECT_FALSE(keyer->getSlotNode(2));
+    EXPECT_EQ(graph->getCommandStack().getStepNames(),
+              (std::vector<LiString>{"Assign Slot", "Rename Node", "Assign Slot"}));
+    // The group itself may sit in a slot.
+    EXPECT_TRUE(keyer->setSlotNode(0, group));
+    EXPECT_EQ(keyer->getSlotName(0), "keyer");
+}
+
+TEST_F(KeyerGroupScene, NodesOutsideTheGroupAndBadSlotsAreRefusedAndReported) {
+    EXPECT_FALSE(keyer->setSlotNode(1, stranger));
+    EXPECT_FALSE(keyer->setSlotNode(6, keyerNode(0)));
+    EXPECT_FALSE(keyer->setSlotNode(-1, keyerNode(0)));
+    EXPECT_EQ(ExReporter::getInstance().getReportCount(), 3u);
+    EXPECT_EQ(graph->getCommandStack().getStepCount(), 0);
+    EXPECT_TRUE(events.empty());
+}
+
+TEST_F(KeyerGroupScene, SlotAndSelectionChangesAnnounceTheSelectedNodeAlsoOnUndo) {
+    keyer->setSlotNode(0, keyerNode(0));
+    keyer->setSelectedNode(keyerNode(2));
+    EXPECT_EQ(events, (std::vector<std::string>{"keyer:-", "keyer:keyer3"}));
+    graph->getCommandStack().undo();
+    graph->getCommandStack().undo();
+    EXPECT_EQ(events, (std::vector<std::string>{"keyer:-", "keyer:keyer3", "keyer:-", "keyer:-"}));
+    EXPECT_FALSE(keyer->getSlotNode(0));
+}
+
+TEST_F(KeyerGroupScene, ASlotWhoseNodeLeftTheGroupIsEmpty) {
+    keyer->setSlotNode(3, keyerNode(2));
+    const RCShdPtr<PiNode> gone = keyerNode(2);
+    group->removeNode(gone);
+    EXPECT_FALSE(keyer->getSlotNode(3));
+    EXPECT_EQ(keyer->getSlotName(3), "");
+    EXPECT_EQ(keyer->getKeyerNodeCount(), 2);
+}
+
+TEST(KeyerGroupGenerations, TheSecondGenerationAnswersTsInterface3WithItsSelectedNodesValue) {
+    auto graph = PiGraph::create();
+    auto group = TsKeyerGroup::create("keyer", 2);
+    graph->getRoot()->addNode(group);
+    EXPECT_THROW(rcCast<TsInterface>(group->getInterface()), ExCastFailed);
+    auto keyer = rcCast<TsInterface3>(group->getInterface());
+    ASSERT_TRUE(keyer);
+    auto selected = group->getInput(TsTool3::getSelectedNodesName());
+    ASSERT_TRUE(selected);
+    EXPECT_TRUE(PiGraphObject::areEqual(selected, keyer->getSelectedNodesInput()));
+    keyer->setSelectedNode(keyer->getKeyerNode(0));
+    EXPECT_EQ(selected->getTypedValue<PiNodeRef>(0).id, keyer->getKeyerNode(0)->getId());
+}
+
+} // namespace

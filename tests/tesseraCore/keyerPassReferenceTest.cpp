@@ -1,0 +1,328 @@
+#include <tesseraCore/img/tsBlendStage.h>
+#include <tesseraCore/img/tsKeyerPass.h>
+
+#include <tesseraUtil/tsMgAnimToAlgo.h>
+#include <tesseraUtil/tsMgUtils.h>
+#include <tesseraUtil/tsUtils.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Rgb = CoRgbColorTyped<float>;
+using Rgba = CoRgbaColorTyped<float>;
+using Box = CoAffineMatrixTyped<float>;
+
+float unit(double v) {
+    return v > 0.0 ? static_cast<float>(std::min(v, 1.0)) : 0.0f;
+}
+
+float clamp01(float v) {
+    return std::min(std::max(v, 0.0f), 1.0f);
+}
+
+// The keyer's formulas for one pixel, written out as the stages' headers
+// state them, one step after another, with no regard for speed.
+//
+// Where the matte jumps (the switch between the deep and the ordinary hue
+// reaches, the degrain box's surface, a patch's hard edge, the status view's
+// thresholds) the last bit of a float decides the side, so a colour that
+// close to one is reported and not compared.
+class ReferenceKeyer {
+public:
+    static constexpr float SwitchMargin = 1e-4f;
+
+    explicit ReferenceKeyer(const TsKeyerSettings& settings)
+        : _settings(settings) {
+        const float blend = unit(settings.matte[8]);
+        _key = settings.keyColors[0] * (1.0f - blend) + settings.keyColors[1] * blend;
+        _intrusion = TsMgAnimToAlgo::overallToIntrusion(static_cast<float>(settings.matte[0]));
+        _opponent = TsMgAnimToAlgo::rangeEToOpponent(static_cast<float>(settings.matte[7]));
+        _softness = TsMgUtils::getSoftnessMatrix(_key, _intrusion);
+        _axes = TsMgUtils::getKeyAxes(_key);
+    }
+
+    // nearEnd: the matte before the degrain box and the patches is that close
+    // to 0 or 1 (where its clamp starts).
+    float alpha(const Rgb& x, bool& nearSwitch, bool& nearEnd) const {
+        const auto& p = _settings.matte;
+        float d[3];
+        for (int row = 0; row < 3; ++row) {
+            d[row] = _softness.get(row, 0) * x.r + _softness.get(row, 1) * x.g +
+                     _softness.get(row, 2) * x.b + _softness.get(row, 3);
+        }
+        const bool deep = d[0] < -_intrusion;
+        nearSwitch = nearSwitch || std::fabs(d[0] + _intrusion) < SwitchMargin;
+        const float reachPlus = unit(deep ? p[3] : p[5]);
+        const float reachMinus = unit(deep ? p[4] : p[6]);
+        const float e2 = std::max({0.0f, d[1] - reachPlus, -d[1] - reachMinus});
+        const float e3 = std::max({0.0f, d[2] - unit(p[2]), -d[2] - unit(p[1])});
+        const float raw = _opponent * std::max({d[0], e2, e3});
+        float a = clamp01(raw);
+        // The same without the floors at 0, which the clamp makes no
+        // difference to: where it is near 0 or 1, rounding decides whether
+        // the matte is clamped.
+        const float edge = _opponent * std::max({d[0], d[1] - reachPlus, -d[1] - reachMinus,
+                                                 d[2] - unit(p[2]), -d[2] - unit(p[1])});
+        nearEnd = std::fabs(edge) < SwitchMargin || std::fabs(edge - 1.0f) < SwitchMargin;
+
+        if (_settings.degrainOn && _settings.degrainBox != Box::IDENTITY) {
+            const float q = TsUtils::boxDistance(_settings.degrainBox, x.r, x.g, x.b);
+            nearSwitch = nearSwitch || std::fabs(q - 1.0f) < SwitchMargin;
+            if (q <= 1.0f) {
+                a = 0.0f;
+            }
+        }
+        for (const TsKeyerSettings::Patch& patch : _settings.patches) {
+            if (patch.mode < 1 || patch.mode > 3 || patch.box == Box::IDENTITY) {
+                continue;
+            }
+            const float q = TsUtils::boxDistance(patch.box, x.r, x.g, x.b);
+            const float reach = 1.0f + unit(patch.range);
+            const float softness = unit(patch.softness);
+            float w = 1.0f;
+            if (q > reach) {
+                w = softness > 0.0f ? clamp01(1.0f - (q - reach) / softness) : 0.0f;
+            }
+            if (softness == 0.0f) {
+                nearSwitch = nearSwitch || std::fabs(q - reach) < SwitchMargin;
+            }
+            if (patch.mode == 1) {
+                a += w * (0.5f - a) / 2.0f;
+            } else if (patch.mode == 2) {
+                a += w * (1.0f - a);
+            } else {
+                a -= w * a;
+            }
+        }
+        return a;
+    }
+
+    Rgb despill(const Rgb& x) const {
+        const float amount = unit(_settings.spill[0]);
+        const Rgb u = _axes.axis[0] * -1.0f;
+        const float c = _axes.chroma;
+        const float sigma = (u.r * x.r + u.g * x.g + u.b * x.b) / c;
+        const Rgb fromKey = x - _key;
+        const float distance =
+            std::sqrt(fromKey.r * fromKey.r + fromKey.g * fromKey.g + fromKey.b * fromKey.b) / c;
+        const float reach = 0.1f + 2.0f * unit(_settings.spill[1]);
+        const float w = clamp01(2.0f - (distance / reach) * (distance / reach));
+        const float m = amount * std::max(0.0f, sigma) * w * c;
+        Rgb hue = _axes.axis[1];
+        if (hue.r - hue.b < 0.0f) {
+            hue = hue * -1.0f;
+        }
+        const Rgb& n = _axes.axis[2];
+        const float bx = 2.0f * unit(_settings.edgeBalanceX) - 1.0f;
+        const float by = 2.0f * unit(_settings.edgeBalanceY) - 1.0f;
+        return x - u * m + (hue * bx + n * by) * m;
+    }
+
+    // The pixel of a view; `back` is the background behind it.
+    Rgba view(TsViewMode mode, const Rgb& x, const Rgba& back, bool& nearSwitch) const {
+        bool nearEnd = false;
+        const float a = alpha(x, nearSwitch, nearEnd);
+        if (mode == TsViewMode::Matte) {
+            return {a, a, a, 1.0f};
+        }
+        if (mode == TsViewMode::Status) {
+            nearSwitch = nearSwitch || nearEnd || (a > 0.0f && a < SwitchMargin) ||
+                         (a < 1.0f && a > 1.0f - SwitchMargin);
+            const float s = a <= 0.0f ? 0.0f : (a >= 1.0f ? 1.0f : 0.5f);
+            return {s, s, s, 1.0f};
+        }
+        const Rgb f = despill(x);
+        if (mode == TsViewMode::Foreground) {
+            return {f.r, f.g, f.b, a};
+        }
+        const float amount = unit(_settings.blend[0]);
+        const float width = unit(_settings.blend[1]);
+        const float wrap = width > 0.0f ? amount * clamp01(1.0f - a / width) : 0.0f;
+        const Rgb b{back.r, back.g, back.b};
+        const Rgb wrapped = f * (1.0f - wrap) + b * wrap;
+        const Rgb out = wrapped * a + b * (1.0f - a);
+        return {out.r, out.g, out.b, a + (1.0f - a) * back.a};
+    }
+
+private:
+    TsKeyerSettings _settings;
+    Rgb _key;
+    float _intrusion;
+    float _opponent;
+    Box _softness;
+    TsMgUtils::KeyAxes _axes;
+};
+
+// Random scenes: a screen-like key (green or blue), random matte parameters,
+// up to three patches of any mode, the degrain box, spill, edge balance and
+// light wrap; a plate of colours spread over the cube, crowded around the
+// key and the patches, two blocks of pixels wide plus a short tail; a
+// background that ends before the plate does. The parameters stay where
+// float rounding is well below the tolerance (an edge softness and a spill
+// range not at their steepest).
+class RandomScenes : public ::testing::Test {
+protected:
+    static constexpr int W = 131;
+    static constexpr int H = 5;
+    static constexpr float Tolerance = 1e-6f;
+
+    std::mt19937 rng{20261121};
+
+    float uniform(float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); }
+
+    Rgb screenColour(bool green) {
+        const float lit = uniform(0.4f, 0.9f);
+        const float a = uniform(0.0f, 0.25f), b = uniform(0.0f, 0.25f);
+        return green ? Rgb{a, lit, b} : Rgb{a, b, lit};
+    }
+
+    Box boxAround(const Rgb& c, float extent) {
+        return TsUtils::computeMinimalBoxMatrix(
+            {{c.r - extent * uniform(0.2f, 1.0f), c.g - extent * uniform(0.2f, 1.0f),
+              c.b - extent * uniform(0.2f, 1.0f), 1.0f},
+             {c.r + extent * uniform(0.2f, 1.0f), c.g + extent * uniform(0.2f, 1.0f),
+              c.b + extent * uniform(0.2f, 1.0f), 1.0f}});
+    }
+
+    TsKeyerSettings randomSettings(std::vector<Rgb>& centres) {
+        TsKeyerSettings s;
+        const bool green = rng() % 2 == 0;
+        s.keyColors = {screenColour(green), screenColour(green)};
+        for (int k = 0; k < 7; ++k) {
+            s.matte[k] = uniform(0.0f, 1.0f);
+        }
+        s.matte[7] = uniform(0.4f, 1.0f);
+        s.matte[8] = uniform(0.0f, 1.0f);
+        const float blend = unit(s.matte[8]);
+        const Rgb key = s.keyColors[0] * (1.0f - blend) + s.keyColors[1] * blend;
+        centres = {key};
+        const int patches = static_cast<int>(rng() % 4);
+        for (int k = 0; k < patches; ++k) {
+            const Rgb c{uniform(0.0f, 1.0f), uniform(0.0f, 1.0f), uniform(0.0f, 1.0f)};
+            centres.push_back(c);
+            const double softness = rng() % 3 == 0 ? 0.0 : uniform(0.1f, 1.0f);
+            s.patches.push_back({boxAround(c, uniform(0.03f, 0.2f)), static_cast<int>(rng() % 4),
+                                 rng() % 3 == 0 ? 0.0 : uniform(0.0f, 1.0f), softness});
+        }
+        const float grain = uniform(0.02f, 0.08f);
+        s.degrainBox = TsUtils::arrangeMatrixForPatchEdge(
+            key, TsUtils::computeMinimalBoxMatrix(
+                     {{key.r - grain, key.g - grain, key.b - grain, 1}, {key.r, key.g, key.b, 1}}));
+        s.degrainOn = rng() % 3 != 0;
+        s.spill = {rng() % 5 == 0 ? 0.0 : uniform(0.0f, 1.0f), uniform(0.2f, 1.0f)};
+        s.edgeBalanceX = uniform(0.0f, 1.0f);
+        s.edgeBalanceY = uniform(0.0f, 1.0f);
+        s.blend = {uniform(0.0f, 1.0f), rng() % 5 == 0 ? 0.0 : uniform(0.1f, 1.0f)};
+        return s;
+    }
+
+    PiImage randomPlate(const std::vector<Rgb>& centres) {
+        PiImage plate(W, H);
+        std::normal_distribution<float> near(0.0f, 0.06f);
+        for (int j = 0; j < H; ++j) {
+            for (int i = 0; i < W; ++i) {
+                Rgb c;
+                const unsigned kind = rng() % 10;
+                if (kind < 4) {
+                    c = {uniform(-0.05f, 1.05f), uniform(-0.05f, 1.05f), uniform(-0.05f, 1.05f)};
+                } else {
+                    const Rgb& centre = centres[rng() % centres.size()];
+                    c = {centre.r + near(rng), centre.g + near(rng), centre.b + near(rng)};
+                }
+                plate.setPixel(i, j, {c.r, c.g, c.b, uniform(0.0f, 1.0f)});
+            }
+        }
+        return plate;
+    }
+
+    PiImage randomBackground() {
+        PiImage background(W - 20, H - 1);
+        for (int j = 0; j < background.getHeight(); ++j) {
+            for (int i = 0; i < background.getWidth(); ++i) {
+                background.setPixel(i, j,
+                                    {uniform(0.0f, 1.0f), uniform(0.0f, 1.0f), uniform(0.0f, 1.0f),
+                                     uniform(0.0f, 1.0f)});
+            }
+        }
+        return background;
+    }
+
+    // The background behind plate pixel (i, j): the image where it reaches,
+    // transparent black beyond, the checkerboard without an image.
+    static Rgba backgroundAt(const PiImage* background, int i, int j) {
+        if (!background) {
+            const int square = (i / TsBlendStage::CheckerSize + j / TsBlendStage::CheckerSize) & 1;
+            const float v = square ? TsBlendStage::CheckerLight : TsBlendStage::CheckerDark;
+            return {v, v, v, 1.0f};
+        }
+        if (i < background->getWidth() && j < background->getHeight()) {
+            return background->getPixel(i, j);
+        }
+        return {0.0f, 0.0f, 0.0f, 0.0f};
+    }
+};
+
+TEST_F(RandomScenes, EveryViewMatchesTheFormulasPixelByPixel) {
+    struct Case {
+        TsViewMode mode;
+        bool withBackground;
+    };
+    const Case cases[] = {{TsViewMode::Matte, false},
+                          {TsViewMode::Status, false},
+                          {TsViewMode::Foreground, false},
+                          {TsViewMode::Composite, true},
+                          {TsViewMode::Composite, false}};
+    int compared = 0, skipped = 0, softMattes = 0, despilled = 0;
+    for (int scene = 0; scene < 60; ++scene) {
+        std::vector<Rgb> centres;
+        const TsKeyerSettings settings = randomSettings(centres);
+        const PiImage plate = randomPlate(centres);
+        const PiImage background = randomBackground();
+        const ReferenceKeyer reference(settings);
+        for (const Case& c : cases) {
+            const PiImage* back = c.withBackground ? &background : nullptr;
+            PiImage out;
+            TsKeyerPass::run(plate, back, settings, c.mode, out);
+            ASSERT_EQ(out.getWidth(), W);
+            ASSERT_EQ(out.getHeight(), H);
+            for (int j = 0; j < H; ++j) {
+                for (int i = 0; i < W; ++i) {
+                    const Rgba p = plate.getPixel(i, j);
+                    bool nearSwitch = false;
+                    const Rgba expected = reference.view(c.mode, {p.r, p.g, p.b},
+                                                         backgroundAt(back, i, j), nearSwitch);
+                    if (nearSwitch) {
+                        ++skipped;
+                        continue;
+                    }
+                    ++compared;
+                    const Rgba got = out.getPixel(i, j);
+                    for (int k = 0; k < 4; ++k) {
+                        ASSERT_NEAR(got[k], expected[k], Tolerance)
+                            << "scene " << scene << " view " << static_cast<int>(c.mode)
+                            << " pixel " << i << ", " << j << " channel " << k;
+                    }
+                    if (c.mode == TsViewMode::Matte) {
+                        softMattes += expected.r > 0.0f && expected.r < 1.0f;
+                    }
+                    if (c.mode == TsViewMode::Foreground) {
+                        despilled += std::fabs(expected.g - p.g) > 1e-3f ||
+                                     std::fabs(expected.b - p.b) > 1e-3f;
+                    }
+                }
+            }
+        }
+    }
+    // The scenes exercise the formulas, not just their clamps.
+    EXPECT_GT(softMattes, 500);
+    EXPECT_GT(despilled, 500);
+    EXPECT_LT(skipped, compared / 100);
+}
+
+} // namespace

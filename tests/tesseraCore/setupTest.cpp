@@ -1,0 +1,309 @@
+#include <pluginAPI/piGraph.h>
+#include <pluginAPI/piTypedAnimInput.h>
+#include <tesseraCore/tsKeyerGroup.h>
+#include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsSetup.h>
+
+#include <base/exReporter.h>
+#include <base/rcCast.h>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Every input of a keyer group and its keyer nodes, node references by name,
+// so that two groups in different graphs compare.
+struct Snapshot {
+    std::vector<std::string> names;
+    std::vector<PiInputState> states;
+    std::vector<std::string> refs;
+
+    bool operator==(const Snapshot& o) const {
+        return names == o.names && refs == o.refs && states == o.states;
+    }
+};
+
+Snapshot snapshot(const TsKeyerGroup& group) {
+    Snapshot s;
+    auto add = [&s, &group](const PiNode& node) {
+        for (int i = 0; i < node.getInputCount(); ++i) {
+            const PiInput& in = *node.getInput(i);
+            s.names.push_back(node.getName() + "." + in.getName());
+            if (in.getType() == PiValueType::NodeRef) {
+                const RCShdPtr<PiNode> n = group.resolve(in.getTypedValue<PiNodeRef>(0));
+                s.refs.push_back(n ? n->getName() : "-");
+            } else {
+                s.states.push_back(in.getState());
+            }
+        }
+    };
+    add(group);
+    for (int i = 0; i < group.getKeyerNodeCount(); ++i) {
+        add(*group.getKeyerNode(i));
+    }
+    return s;
+}
+
+// A keyer group of two keyer nodes with edits of every kind, and a scratch
+// directory for setup files.
+class SetupScene : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir = fs::temp_directory_path() /
+              ("tessera-setup-" + std::to_string(::getpid()) + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+        graph = PiGraph::create();
+        group = TsKeyerGroup::create("keyer", 1, 2);
+        graph->getRoot()->addNode(group);
+        edit(*group);
+        ExReporter::getInstance().clear();
+    }
+    void TearDown() override { fs::remove_all(dir); }
+
+    static void edit(TsKeyerGroup& g) {
+        auto node = g.getKeyerNode(0);
+        auto mg = rcCast<TsMgInterface>(node->getController());
+        PiTypedAnimInput<double> overall(mg->getMatteParamInput(TsMgTypes::Overall));
+        overall.setKey(0.0, 0.125);
+        overall.setKey(48.5, 1.0 / 3.0);
+        PiTypedAnimInput<CoRgbColorTyped<float>> key(mg->getKeyColorInput(TsTypes::KeyColor1));
+        key.setKey(3.0, {0.1f, 0.7f, 0.2f});
+        key.setKey(9.0, {0.11f, 0.69f, 0.25f});
+        mg->getKeyColorInput(TsTypes::KeyColor2)
+            ->setValue(0, PiValue(CoRgbColorTyped<float>(0, 0.6f, 0)));
+        mg->getKeyColorInput(TsTypes::KeyColor2)->setLocked(true);
+        mg->createPatch();
+        mg->createPatch();
+        mg->getPatchBoxInput(1, 2, 3)->setValue(0, PiValue(-0.0625));
+        PiTypedAnimInput<int>(mg->getPatchModeInput(1)).setKey(5.0, 3);
+        node->getDegrainInput()->setValue(0, PiValue(true));
+        node->getInput("blend.width")->setValue(0, PiValue(0.9));
+        g.getKeyerNode(1)->setName("hair \"fine\"");
+        g.setSlotNode(0, g.getKeyerNode(1));
+        g.setSlotNode(4, RCShdPtr<PiNode>(&g));
+        g.setSelectedNode(g.getKeyerNode(0));
+    }
+
+    std::string path(const std::string& name) const { return (dir / name).string(); }
+    void writeFile(const std::string& name, const std::string& text) const {
+        std::ofstream(path(name), std::ios::binary) << text;
+    }
+    std::string readFile(const std::string& name) const {
+        std::ifstream in(path(name), std::ios::binary);
+        std::ostringstream os;
+        os << in.rdbuf();
+        return os.str();
+    }
+    // Loading `text` is refused with a message naming the file and `line`
+    // and containing `what`, and changes nothing.
+    void expectRefused(const std::string& text, int line, const std::string& what) {
+        writeFile("bad.setup", text);
+        const Snapshot before = snapshot(*group);
+        const int steps = graph->getCommandStack().getStepCount();
+        LiString error;
+        EXPECT_FALSE(TsSetup::load(*group, path("bad.setup"), &error));
+        EXPECT_NE(error.find("bad.setup:" + std::to_string(line) + ": "), std::string::npos)
+            << error;
+        EXPECT_NE(error.find(what), std::string::npos) << error;
+        EXPECT_TRUE(snapshot(*group) == before);
+        EXPECT_EQ(graph->getCommandStack().getStepCount(), steps);
+        EXPECT_GE(ExReporter::getInstance().getReportCount(), 1u);
+    }
+
+    fs::path dir;
+    RCShdPtr<PiGraph> graph;
+    RCShdPtr<TsKeyerGroup> group;
+};
+
+TEST_F(SetupScene, AGroupSavedAndLoadedIntoAFreshGroupIsTheSame) {
+    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
+    auto other = PiGraph::create();
+    auto fresh = TsKeyerGroup::create("keyer", 1, 1);
+    other->getRoot()->addNode(fresh);
+    LiString error;
+    ASSERT_TRUE(TsSetup::load(*fresh, path("shot.setup"), &error)) << error;
+    EXPECT_EQ(fresh->getKeyerNodeCount(), 2);
+    EXPECT_TRUE(snapshot(*fresh) == snapshot(*group));
+    EXPECT_EQ(fresh->getSlotName(0), "hair \"fine\"");
+    EXPECT_EQ(fresh->getSlotName(4), "keyer");
+    EXPECT_EQ(other->getCommandStack().getStepNames(), (std::vector<LiString>{"Load Setup"}));
+    // And what it saves is what it loaded.
+    ASSERT_TRUE(TsSetup::save(*fresh, path("again.setup")));
+    EXPECT_EQ(readFile("again.setup"), readFile("shot.setup"));
+}
+
+TEST_F(SetupScene, LoadingIsOneUndoStepBackToTheStateBefore) {
+    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
+    const Snapshot saved = snapshot(*group);
+    rcCast<TsMgInterface>(group->getKeyerNode(0)->getController())->resetKeyer();
+    group->setSlotNode(0, nullptr);
+    const Snapshot changed = snapshot(*group);
+    ASSERT_FALSE(changed == saved);
+    ASSERT_TRUE(TsSetup::load(*group, path("shot.setup")));
+    EXPECT_TRUE(snapshot(*group) == saved);
+    EXPECT_EQ(graph->getCommandStack().getUndoName(), "Load Setup");
+    graph->getCommandStack().undo();
+    EXPECT_TRUE(snapshot(*group) == changed);
+    graph->getCommandStack().redo();
+    EXPECT_TRUE(snapshot(*group) == saved);
+}
+
+TEST_F(SetupScene, ASingleKeyerNodeRoundTripsOntoAnotherNode) {
+    auto source = group->getKeyerNode(0);
+    ASSERT_TRUE(TsSetup::save(*source, path("node.setup")));
+    auto target = group->getKeyerNode(1);
+    ASSERT_TRUE(TsSetup::load(*target, path("node.setup")));
+    for (int i = 0; i < source->getInputCount(); ++i) {
+        EXPECT_TRUE(source->getInput(i)->getState() == target->getInput(i)->getState())
+            << source->getInput(i)->getName();
+    }
+    LiString error;
+    EXPECT_FALSE(TsSetup::load(*group, path("node.setup"), &error));
+    EXPECT_NE(error.find("single keyer node"), std::string::npos) << error;
+}
+
+TEST_F(SetupScene, ANodeEditedInStepsUndoneRedoneSavedAndReloadedIsExact) {
+    auto node = group->getKeyerNode(1);
+    auto mg = rcCast<TsMgInterface>(node->getController());
+    PiCommandStack& stack = graph->getCommandStack();
+    auto states = [&node] {
+        std::vector<PiInputState> out;
+        for (int i = 0; i < node->getInputCount(); ++i) {
+            out.push_back(node->getInput(i)->getState());
+        }
+        return out;
+    };
+    const auto fresh = states();
+    const int before = stack.getStepCount();
+    {
+        PiUndoGuard step(stack, "Pick Key Colour");
+        mg->getKeyColorInput(TsTypes::KeyColor1)
+            ->setKey(1.0, PiValue(CoRgbColorTyped<float>(0.2f, 0.8f, 0.1f)));
+        mg->getKeyColorInput(TsTypes::KeyColor2)
+            ->setValue(1.0, PiValue(CoRgbColorTyped<float>(0.2f, 0.8f, 0.1f)));
+    }
+    {
+        PiUndoGuard step(stack, "Sample Patch");
+        const int patch = mg->createPatch();
+        for (int r = 0; r < 3; ++r) {
+            mg->getPatchBoxInput(patch, r, 3)->setValue(1.0, PiValue(-0.5 * r));
+        }
+        mg->getPatchModeInput(patch)->setValue(1.0, PiValue(1));
+    }
+    { PiUndoGuard begin(stack, "Set Matte Parameter", PiExecParam(1)); }
+    for (int i = 0; i < 100; ++i) {
+        PiUndoGuard drag(stack, "", PiExecParam(2));
+        mg->getMatteParamInput(TsMgTypes::HuePlus)->setKey(1.0, PiValue(i / 100.0));
+    }
+    { PiUndoGuard end(stack, "", PiExecParam(3)); }
+    const auto edited = states();
+    ASSERT_EQ(stack.getStepCount(), before + 3);
+    for (int i = 0; i < 3; ++i) {
+        stack.undo();
+    }
+    EXPECT_TRUE(states() == fresh);
+    for (int i = 0; i < 3; ++i) {
+        stack.redo();
+    }
+    EXPECT_TRUE(states() == edited);
+
+    ASSERT_TRUE(TsSetup::save(*node, path("node.setup")));
+    mg->resetKeyer();
+    ASSERT_FALSE(states() == edited);
+    ASSERT_TRUE(TsSetup::load(*node, path("node.setup")));
+    EXPECT_TRUE(states() == edited);
+}
+
+TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
+    writeFile("shot.setup", "old contents");
+    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
+    EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 1\n", 0), 0u);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
+    // An ordinary document: readable by others as the umask allows, not
+    // private like the temporary file it was written through.
+    const mode_t mask = ::umask(022);
+    ASSERT_TRUE(TsSetup::save(*group, path("shared.setup")));
+    ::umask(mask);
+    EXPECT_EQ(fs::status(path("shared.setup")).permissions(),
+              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
+                  fs::perms::others_read);
+    LiString error;
+    EXPECT_FALSE(TsSetup::save(*group, path("missing/shot.setup"), &error));
+    EXPECT_NE(error.find("missing/shot.setup"), std::string::npos) << error;
+}
+
+TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
+    std::string good;
+    ASSERT_TRUE(TsSetup::write(*group, good));
+    auto replaceLine = [&good](const std::string& start, const std::string& with) {
+        std::istringstream in(good);
+        std::string out, line;
+        int number = 0, found = 0;
+        while (std::getline(in, line)) {
+            ++number;
+            if (!found && line.rfind(start, 0) == 0) {
+                found = number;
+                line = with;
+            }
+            out += line + "\n";
+        }
+        return std::make_pair(out, found);
+    };
+    expectRefused("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 1, "not a keyer setup");
+    expectRefused("tessera-setup 2\nend\n", 1, "version 2");
+    expectRefused(
+        good.substr(0, good.size() / 2),
+        static_cast<int>(std::count(good.begin(), good.begin() + good.size() / 2, '\n')) + 1, "");
+    {
+        auto [text, line] = replaceLine("input \"overall\"", "input \"overal\" double 0.5");
+        expectRefused(text, line, "no input \"overal\"");
+    }
+    {
+        auto [text, line] = replaceLine("input \"overall\"", "input \"overall\" int 1");
+        expectRefused(text, line, "holds double values, not int");
+    }
+    {
+        auto [text, line] =
+            replaceLine("input \"overall\"", "input \"overall\" double 0.5 keys 2 4 0.1 2 0.3");
+        expectRefused(text, line, "increasing time");
+    }
+    {
+        auto [text, line] = replaceLine("input \"shadows\"", "input \"shadows\" double nan");
+        expectRefused(text, line, "not a finite number");
+    }
+    {
+        auto [text, line] = replaceLine("input \"slot1\"", "input \"slot1\" node \"nobody\"");
+        expectRefused(text, line, "refers to node \"nobody\"");
+    }
+    {
+        auto [text, line] = replaceLine("group", "group \"keyer\" generation 2");
+        expectRefused(text, line, "generation 2");
+    }
+    {
+        auto [text, line] =
+            replaceLine("input \"patchNames\"", "input \"patchNames\" strings 2 \"a");
+        expectRefused(text, line, "not closed");
+    }
+}
+
+TEST_F(SetupScene, AMissingFileIsReportedWithItsName) {
+    LiString error;
+    EXPECT_FALSE(TsSetup::load(*group, path("nowhere.setup"), &error));
+    EXPECT_NE(error.find("nowhere.setup"), std::string::npos);
+    EXPECT_EQ(ExReporter::getInstance().getReportCount(), 1u);
+}
+
+} // namespace
