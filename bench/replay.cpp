@@ -13,14 +13,14 @@
 // ratio to the baseline measured in the same run (baseline_ms, ratio): the
 // same events sent to the viewer by the driver directly, without script
 // text, parsing or the interpreter.
-#include "common/hostSession.h"
-#include "common/imageCommands.h"
-#include "common/outputWriter.h"
-#include "common/sessionArgs.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionScript.h"
-#include "common/viewerDriver.h"
-#include "common/widgetCommands.h"
+#include "host/hostSession.h"
+#include "host/imageCommands.h"
+#include "host/outputWriter.h"
+#include "host/sessionArgs.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/viewerDriver.h"
+#include "host/widgetCommands.h"
 
 #include <base/exReporter.h>
 #include <ui/uiApplication.h>

@@ -10,7 +10,7 @@
 // p99_us), the share of the budget (budget_share, 1 = 20 us), and the ratio to
 // the baseline measured in the same run: the bare 5 x 5 pick of the same
 // pixels through the image picker (baseline_us, median_ratio).
-#include "common/hostPackages.h"
+#include "host/hostPackages.h"
 
 #include <base/exReporter.h>
 #include <base/rcCast.h>

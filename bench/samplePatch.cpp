@@ -10,7 +10,7 @@
 // pick: the median time (median_ms), the share of the budget (budget_share,
 // 1 = 40 ms) and the ratio to the baseline measured in the same run: the fit
 // alone (distinct colours and box) of the same colours (baseline_ms, ratio).
-#include "common/hostPackages.h"
+#include "host/hostPackages.h"
 
 #include <base/exReporter.h>
 #include <base/rcCast.h>

@@ -1,13 +1,13 @@
 // tessera-run: replays a session script headless, or with no arguments keys
 // the built-in demo plate with the built-in demo session.
-#include "common/hostPackages.h"
-#include "common/hostSession.h"
-#include "common/imageCommands.h"
-#include "common/outputWriter.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionScript.h"
-#include "common/widgetCommands.h"
 #include "demoSession.h"
+#include "host/hostPackages.h"
+#include "host/hostSession.h"
+#include "host/imageCommands.h"
+#include "host/outputWriter.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/widgetCommands.h"
 
 #include <QByteArray>
 #include <QtGlobal>

@@ -1,8 +1,8 @@
 // tessera-studio: the desktop application of the keyer.
 #include "studioWindow.h"
 
-#include "common/hostPackages.h"
-#include "common/sessionScript.h"
+#include "host/hostPackages.h"
+#include "host/sessionScript.h"
 
 #include <QApplication>
 

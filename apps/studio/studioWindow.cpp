@@ -1,13 +1,13 @@
 #include "studioWindow.h"
 
-#include "common/hostSession.h"
-#include "common/imageCommands.h"
-#include "common/keyerImageSource.h"
-#include "common/outputWriter.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionRecorder.h"
-#include "common/sessionScript.h"
-#include "common/widgetCommands.h"
+#include "host/hostSession.h"
+#include "host/imageCommands.h"
+#include "host/keyerImageSource.h"
+#include "host/outputWriter.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionRecorder.h"
+#include "host/sessionScript.h"
+#include "host/widgetCommands.h"
 
 #include <base/exReporter.h>
 #include <pluginAPI/piEventHandler.h>

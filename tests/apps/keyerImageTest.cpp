@@ -4,9 +4,9 @@
 #include "sessionScene.h"
 #include "ui/viewerScene.h"
 
-#include "common/keyerImageSource.h"
-#include "common/sessionArgs.h"
-#include "common/viewerDriver.h"
+#include "host/keyerImageSource.h"
+#include "host/sessionArgs.h"
+#include "host/viewerDriver.h"
 
 #include <gfx/mfCurrentToolEventHandler.h>
 #include <gfx/mfToolset.h>

@@ -4,12 +4,12 @@
 // directory of its own: the scene of the session tests. Scripts run from
 // text; failures come back as the SessionError's text.
 
-#include "common/hostSession.h"
-#include "common/imageCommands.h"
-#include "common/outputWriter.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionScript.h"
-#include "common/widgetCommands.h"
+#include "host/hostSession.h"
+#include "host/imageCommands.h"
+#include "host/outputWriter.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/widgetCommands.h"
 
 #include <base/exReporter.h>
 #include <pluginAPI/piEventHandler.h>

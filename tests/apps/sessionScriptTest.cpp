@@ -1,6 +1,6 @@
-#include "common/sessionScript.h"
-#include "common/sessionArgs.h"
-#include "common/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/sessionArgs.h"
+#include "host/sessionInterpreter.h"
 
 #include <gtest/gtest.h>
 

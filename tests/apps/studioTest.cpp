@@ -4,10 +4,10 @@
 // session shows the viewer, the panels and the history where they belong.
 #include "studioWindow.h"
 
-#include "common/hostSession.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionRecorder.h"
-#include "common/viewerDriver.h"
+#include "host/hostSession.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionRecorder.h"
+#include "host/viewerDriver.h"
 
 #include <base/exReporter.h>
 #include <pluginAPI/piContainer.h>

@@ -4,7 +4,7 @@
 #include "sessionScene.h"
 #include "ui/viewerScene.h"
 
-#include "common/sessionArgs.h"
+#include "host/sessionArgs.h"
 
 #include <gfx/mfCurrentToolEventHandler.h>
 #include <gfx/mfToolset.h>

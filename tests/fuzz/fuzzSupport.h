@@ -4,7 +4,7 @@
 // scratch directory of the process's own, and the check that stops a run
 // (and keeps the input) when an invariant does not hold.
 
-#include "common/hostSession.h"
+#include "host/hostSession.h"
 
 #include <base/exReporter.h>
 #include <ui/uiApplication.h>

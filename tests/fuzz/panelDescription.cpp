@@ -9,10 +9,10 @@
 // one of the names replaces the main panel's description.
 #include "fuzzSupport.h"
 
-#include "common/hostSession.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionScript.h"
-#include "common/widgetCommands.h"
+#include "host/hostSession.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/widgetCommands.h"
 
 #include <pluginAPI/piWidget.h>
 #include <resmgt/liResourcePath.h>

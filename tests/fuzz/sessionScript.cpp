@@ -10,13 +10,13 @@
 // and step counts are capped.
 #include "fuzzSupport.h"
 
-#include "common/hostSession.h"
-#include "common/imageCommands.h"
-#include "common/outputWriter.h"
-#include "common/sessionArgs.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionScript.h"
-#include "common/widgetCommands.h"
+#include "host/hostSession.h"
+#include "host/imageCommands.h"
+#include "host/outputWriter.h"
+#include "host/sessionArgs.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/widgetCommands.h"
 
 #include <algorithm>
 #include <cctype>

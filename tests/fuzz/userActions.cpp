@@ -20,14 +20,14 @@
 // through tessera-run once the comments are read.
 #include "fuzzSupport.h"
 
-#include "common/hostSession.h"
-#include "common/imageCommands.h"
-#include "common/outputWriter.h"
-#include "common/sessionArgs.h"
-#include "common/sessionInterpreter.h"
-#include "common/sessionScript.h"
-#include "common/viewerDriver.h"
-#include "common/widgetCommands.h"
+#include "host/hostSession.h"
+#include "host/imageCommands.h"
+#include "host/outputWriter.h"
+#include "host/sessionArgs.h"
+#include "host/sessionInterpreter.h"
+#include "host/sessionScript.h"
+#include "host/viewerDriver.h"
+#include "host/widgetCommands.h"
 
 #include <base/cbMethod.h>
 #include <pluginAPI/piEventHandler.h>

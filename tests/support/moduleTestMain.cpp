@@ -2,7 +2,7 @@
 // the host loads it (dlopen, packages started in dependency order); the tests
 // themselves are a shared library loaded after it, whose references to module
 // classes resolve against the loaded module.
-#include "common/hostPackages.h"
+#include "host/hostPackages.h"
 
 #include <base/exReporter.h>
 #include <base/inPackageManager.h>
