@@ -91,6 +91,15 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
     });
 
     SessionProbe& probe = interpreter.getProbe();
+    probe.addQuery("plate", [&s, &probe](SessionArgs&) {
+        const PiImagePtr& plate = s.getPlate();
+        return plate ? s.getPlateName() + " " + probe.format(PiValue(plate)) : "none";
+    });
+    probe.addQuery("background", [&s, &probe](SessionArgs&) {
+        const PiImagePtr& background = s.getBackground();
+        return background ? s.getBackgroundName() + " " + probe.format(PiValue(background))
+                          : "none";
+    });
     probe.addQuery("mode", [&s](SessionArgs&) {
         return KeyerImageSource::getModeName(s.getImageSource().getMode());
     });

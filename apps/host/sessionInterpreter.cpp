@@ -1,14 +1,13 @@
 #include "sessionInterpreter.h"
 
+#include "historyCommands.h"
 #include "hostSession.h"
+#include "inputCommands.h"
+#include "nodeCommands.h"
+#include "overlayQueries.h"
+#include "pointerCommands.h"
 #include "sessionArgs.h"
-
-#include <base/evKeyCode.h>
-#include <base/exReporter.h>
-#include <pluginAPI/piEventHandler.h>
-#include <pluginAPI/piPath.h>
-#include <ui/uiHotkeyRegistry.h>
-#include <ui/uiViewer.h>
+#include "viewerCommands.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,15 +49,6 @@ std::string joined(const std::vector<std::string>& words) {
         out += (out.empty() ? "" : " ") + w;
     }
     return out;
-}
-
-EvKeyCode::KeyCode keyArg(SessionArgs& args) {
-    const std::string name = args.word("key name");
-    const EvKeyCode::KeyCode key = EvKeyCode::fromName(name.c_str());
-    if (key == EvKeyCode::KeyNone) {
-        throw SessionArgs::Error("unknown key \"" + name + "\"");
-    }
-    return key;
 }
 
 } // namespace
@@ -157,293 +147,13 @@ void SessionInterpreter::execute(const SessionScript::Line& line, const std::str
     HostSession::settle();
 }
 
-RCShdPtr<PiInput> SessionInterpreter::writableInput(SessionArgs& args) {
-    return _probe.findInput(args.word("input name"));
-}
-
 void SessionInterpreter::addCommands() {
-    HostSession& s = _session;
-    ViewerDriver& d = _driver;
-
-    // --- the keyer and the viewer
-    addCommand("keyer", [&s](SessionArgs& a) {
-        int generation = 1;
-        int nodes = 1;
-        while (!a.atEnd()) {
-            const std::string w = a.choice("keyer option", {"variant", "nodes"});
-            if (w == "variant") {
-                generation = std::stoi(a.choice("keyer variant", {"1", "2"}));
-            } else {
-                nodes = a.integer("number of keyer nodes");
-                if (nodes < 1 || nodes > 64) {
-                    throw SessionArgs::Error("a keyer holds 1 to 64 keyer nodes, not " +
-                                             std::to_string(nodes));
-                }
-            }
-        }
-        s.makeKeyer(generation, nodes);
-    });
-    addCommand("viewer", [&s](SessionArgs& a) {
-        const std::vector<std::string> stages = s.getViewer().getStages();
-        const std::string stage = a.word("viewer stage");
-        a.end();
-        if (std::find(stages.begin(), stages.end(), stage) == stages.end()) {
-            std::string list;
-            for (const std::string& st : stages) {
-                list += (list.empty() ? "" : ", ") + st;
-            }
-            throw SessionArgs::Error("the viewer's node has no stage \"" + stage +
-                                     "\" (its stages: " + (list.empty() ? "none" : list) + ")");
-        }
-        if (!s.getViewer().setStage(stage)) {
-            throw SessionArgs::Error("the viewer could not show stage \"" + stage +
-                                     "\" (see the report before)");
-        }
-    });
-    addCommand("window", [&s](SessionArgs& a) {
-        const int width = a.integer("window width");
-        const int height = a.integer("window height");
-        a.end();
-        if (width < 64 || height < 64 || width > 16384 || height > 16384) {
-            throw SessionArgs::Error("a viewer window is 64 to 16384 pixels each way");
-        }
-        s.getViewer().resize(width, height);
-        s.getViewer().fitImage();
-    });
-    addCommand("zoom", [&s](SessionArgs& a) {
-        const double zoom = a.number("zoom");
-        a.end();
-        if (!(zoom >= 1.0 / 1024 && zoom <= 1024)) {
-            throw SessionArgs::Error("a zoom is 1/1024 to 1024");
-        }
-        UiViewer& viewer = s.getViewer();
-        VwView& view = viewer.getMutableView();
-        view.setViewportSize(viewer.width(), viewer.height());
-        const GePoint2<double> centre =
-            ViewerDriver::centreOf(view, viewer.width(), viewer.height());
-        view.setZoom(static_cast<float>(zoom));
-        view.setPan(ViewerDriver::panFor(view, viewer.width(), viewer.height(), centre));
-        viewer.redraw();
-    });
-    addCommand("pan", [&s](SessionArgs& a) {
-        const GePoint2<double> p = a.point("plate point");
-        a.end();
-        UiViewer& viewer = s.getViewer();
-        VwView& view = viewer.getMutableView();
-        view.setViewportSize(viewer.width(), viewer.height());
-        view.setPan(ViewerDriver::panFor(view, viewer.width(), viewer.height(), p));
-        viewer.redraw();
-    });
-    addCommand("fit", [&s](SessionArgs& a) {
-        a.end();
-        s.getViewer().fitImage();
-    });
-    addCommand("tool", [&s](SessionArgs& a) {
-        const std::string name = a.word("tool name");
-        a.end();
-        if (!s.setTool(name)) {
-            throw SessionArgs::Error("no stage of the viewer's node has a tool \"" + name + "\"");
-        }
-    });
-    addCommand("frame", [&s](SessionArgs& a) {
-        const double frame = a.number("frame");
-        a.end();
-        s.setFrame(frame);
-    });
-
-    // --- pointer and keys
-    auto pointer = [&d](auto action) {
-        return [&d, action](SessionArgs& a) {
-            const GePoint2<double> p = a.point("point");
-            unsigned modifiers = 0;
-            EvButton button = EvButton::Left;
-            a.modifiersAndButton(modifiers, &button);
-            action(d, p, modifiers, button);
-        };
-    };
-    addCommand("press", pointer([](ViewerDriver& dr, GePoint2<double> p, unsigned m, EvButton b) {
-                   dr.press(p, m, b);
-               }));
-    addCommand("release", pointer([](ViewerDriver& dr, GePoint2<double> p, unsigned m, EvButton b) {
-                   dr.release(p, m, b);
-               }));
-    addCommand("click", pointer([](ViewerDriver& dr, GePoint2<double> p, unsigned m, EvButton b) {
-                   dr.click(p, m, b);
-               }));
-    addCommand("move", [&d](SessionArgs& a) {
-        const GePoint2<double> p = a.point("point");
-        unsigned modifiers = 0;
-        a.modifiersAndButton(modifiers, nullptr);
-        d.move(p, modifiers);
-    });
-    addCommand("drag", [&d](SessionArgs& a) {
-        const GePoint2<double> from = a.point("start point");
-        const GePoint2<double> to = a.point("end point");
-        int steps = 10;
-        if (a.take("steps")) {
-            steps = a.integer("number of steps");
-            if (steps < 1 || steps > 1000000) {
-                throw SessionArgs::Error("a drag takes 1 to 1000000 steps");
-            }
-        }
-        unsigned modifiers = 0;
-        EvButton button = EvButton::Left;
-        a.modifiersAndButton(modifiers, &button);
-        d.drag(from, to, steps, modifiers, button);
-    });
-    auto keyCommand = [&d](bool down, bool up) {
-        return [&d, down, up](SessionArgs& a) {
-            const EvKeyCode::KeyCode key = keyArg(a);
-            unsigned modifiers = 0;
-            a.modifiersAndButton(modifiers, nullptr);
-            if (ViewerDriver::toQtKey(key) == 0) {
-                throw SessionArgs::Error(std::string("key \"") + EvKeyCode::toName(key) +
-                                         "\" cannot be typed");
-            }
-            if (down) {
-                d.keyDown(key, modifiers);
-            }
-            if (up) {
-                d.keyUp(key, modifiers);
-            }
-        };
-    };
-    addCommand("key", keyCommand(true, true));
-    addCommand("keydown", keyCommand(true, false));
-    addCommand("keyup", keyCommand(false, true));
-    addCommand("hotkey", [&d, &s](SessionArgs& a) {
-        const std::string name = a.word("hotkey entry name");
-        a.end();
-        UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
-        const unsigned entry = registry.findEntry(UiHotkeyRegistry::TesseraDomain, name);
-        if (!entry) {
-            throw SessionArgs::Error("no hotkey entry \"" + name + "\"");
-        }
-        if (!d.hotkey(entry)) {
-            throw SessionArgs::Error("hotkey \"" + name + "\" is not taken by the viewer (stage " +
-                                     (s.getViewer().getStage().empty()
-                                          ? std::string("none")
-                                          : "\"" + s.getViewer().getStage() + "\"") +
-                                     ")");
-        }
-    });
-
-    // --- nodes
-    auto nodeArg = [&s](SessionArgs& a) {
-        const std::string name = a.word("node name");
-        RCShdPtr<PiNode> node = s.findNode(name);
-        if (!node) {
-            throw SessionArgs::Error("no node \"" + name + "\" in the keyer");
-        }
-        return node;
-    };
-    addCommand("select", [&s, nodeArg](SessionArgs& a) {
-        if (a.take("none")) {
-            a.end();
-            s.select(RCShdPtr<PiNode>());
-            return;
-        }
-        const RCShdPtr<PiNode> node = nodeArg(a);
-        a.end();
-        s.select(node);
-    });
-    addCommand("rename", [&s, nodeArg](SessionArgs& a) {
-        const RCShdPtr<PiNode> node = nodeArg(a);
-        const std::string name = a.word("new name");
-        a.end();
-        if (name.empty() || name.find('/') != std::string::npos) {
-            throw SessionArgs::Error("a node name is not empty and holds no '/'");
-        }
-        s.rename(node, name);
-    });
-    addCommand("remove", [&s, nodeArg](SessionArgs& a) {
-        const RCShdPtr<PiNode> node = nodeArg(a);
-        a.end();
-        if (!s.remove(node)) {
-            throw SessionArgs::Error("node \"" + node->getName() + "\" cannot be removed");
-        }
-    });
-
-    // --- inputs, as the parameter editor edits them
-    auto write = [this, &s](bool asKey) {
-        return [this, &s, asKey](SessionArgs& a) {
-            const RCShdPtr<PiInput> input = writableInput(a);
-            const std::vector<std::string> words = a.restWords();
-            PiValue value;
-            std::string error;
-            if (!SessionProbe::parseValue(input->getType(), words, value, error)) {
-                throw SessionArgs::Error("input \"" + input->getName() + "\": " + error);
-            }
-            bool written = false;
-            exContain("session: writing " + input->getName(), [&] {
-                written = asKey ? input->setKey(s.getFrame(), value)
-                                : input->setValue(s.getFrame(), value);
-            });
-            if (!written) {
-                throw SessionArgs::Error("input \"" + input->getName() + "\" refused the value" +
-                                         (input->isLocked() ? " (it is locked)"
-                                          : asKey && !input->isAnimatable()
-                                              ? " (it does not animate)"
-                                              : ""));
-            }
-        };
-    };
-    addCommand("set", write(false));
-    addCommand("animate", write(true));
-    auto lock = [this](bool locked) {
-        return [this, locked](SessionArgs& a) {
-            const RCShdPtr<PiInput> input = writableInput(a);
-            a.end();
-            exContain("session: locking " + input->getName(), [&] { input->setLocked(locked); });
-        };
-    };
-    addCommand("lock", lock(true));
-    addCommand("unlock", lock(false));
-
-    // --- history and setups
-    auto history = [&s](bool forward) {
-        return [&s, forward](SessionArgs& a) {
-            int steps = 1;
-            if (!a.atEnd()) {
-                steps = a.integer("number of steps");
-                if (steps < 1) {
-                    throw SessionArgs::Error("a number of steps is 1 or more");
-                }
-            }
-            a.end();
-            const int available =
-                forward ? s.getCommandStack().getRedoCount() : s.getCommandStack().getUndoCount();
-            if (steps > available) {
-                throw SessionArgs::Error(
-                    "there " + std::string(available == 1 ? "is " : "are ") +
-                    std::to_string(available) + " step" + (available == 1 ? "" : "s") + " to " +
-                    (forward ? "redo" : "undo") + ", not " + std::to_string(steps));
-            }
-            if (forward) {
-                s.redo(steps);
-            } else {
-                s.undo(steps);
-            }
-        };
-    };
-    addCommand("undo", history(false));
-    addCommand("redo", history(true));
-    addCommand("save", [this, &s](SessionArgs& a) {
-        const std::string path = outputPath(a.word("setup file"));
-        a.end();
-        std::string error;
-        if (!s.saveSetup(path, error)) {
-            throw SessionArgs::Error(error);
-        }
-    });
-    addCommand("load", [this, &s](SessionArgs& a) {
-        const std::string path = inputPath(a.word("setup file"));
-        a.end();
-        std::string error;
-        if (!s.loadSetup(path, error)) {
-            throw SessionArgs::Error(error);
-        }
-    });
+    ViewerCommands::add(*this);
+    PointerCommands::add(*this);
+    NodeCommands::add(*this);
+    InputCommands::add(*this);
+    HistoryCommands::add(*this);
+    OverlayQueries::add(*this);
 
     // --- reading the state
     addCommand("expect", [this](SessionArgs& a) { expect(a, _line->words, _line->quoted); });

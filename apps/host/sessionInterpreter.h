@@ -29,8 +29,10 @@ class SessionArgs;
 // Relative paths of files read (plates, setups) are taken from the input
 // directory (the script's own), or the output directory when the file is not
 // there but the session wrote it; those of files written from the output
-// directory. Commands of other parts of the host (images, outputs, panels)
-// join through addCommand.
+// directory. The commands come in tables by topic (viewerCommands,
+// pointerCommands, nodeCommands, inputCommands, historyCommands,
+// overlayQueries), which the interpreter adds; those of other parts of the
+// host (imageCommands, widgetCommands) join through addCommand.
 class SessionInterpreter {
 public:
     using Command = std::function<void(SessionArgs&)>;
@@ -87,7 +89,6 @@ private:
     void expect(SessionArgs& args, const std::vector<std::string>& words,
                 const std::vector<bool>& quoted);
     void print(SessionArgs& args);
-    RCShdPtr<PiInput> writableInput(SessionArgs& args);
 
     HostSession& _session;
     Options _options;

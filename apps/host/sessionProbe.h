@@ -19,8 +19,8 @@ class PiNode;
 // arguments and the forms of their answers are those of the session-script
 // documentation; lists in one line are joined by ", ".
 //
-// Queries that the host's panels answer come from a hook (addQuery), so the
-// programs can add what they hold without this class knowing them.
+// The queries come from the command tables of each topic (viewerCommands,
+// inputCommands, ...), which add them with addQuery beside their commands.
 class SessionProbe {
 public:
     using Query = std::function<std::string(SessionArgs&)>;
@@ -40,7 +40,18 @@ public:
     void addQuery(const std::string& word, Query query, Listing listing = Listing(),
                   bool listingTakesArguments = false);
 
-    // --- shared with the interpreter
+    // --- shared by the command tables
+    // Items joined by ", ", or `none` when there are none.
+    static std::string list(const std::vector<std::string>& items, const char* none = "none");
+    // The text, or "none" when it is empty.
+    static std::string orNone(const std::string& text);
+    // The arguments the queries share: [at FRAME] (the session's frame by
+    // default), a node of the keyer group, an input ([NODE/]NAME).
+    double frameArg(SessionArgs& args) const;
+    RCShdPtr<PiNode> nodeArg(SessionArgs& args) const;
+    RCShdPtr<PiInput> inputArg(SessionArgs& args) const;
+    // The lines of `print inputs [NODE] [at FRAME]`.
+    std::vector<std::string> inputs(SessionArgs& args);
     // An input named [NODE/]NAME: NODE is a node of the keyer group or the
     // group itself, the keyer node the viewer shows by default.
     RCShdPtr<PiInput> findInput(const std::string& reference) const;
@@ -59,16 +70,6 @@ private:
         Listing listing;
         bool listingTakesArguments = false;
     };
-    std::vector<std::string> inputs(SessionArgs& args);
-    std::vector<std::string> undoListing() const;
-    std::vector<std::string> manipulators() const;
-    std::string bars() const;
-    std::vector<std::string> drawing() const;
-    std::vector<std::string> reports() const;
-    double frameArg(SessionArgs& args) const;
-    RCShdPtr<PiNode> nodeArg(SessionArgs& args) const;
-    RCShdPtr<PiInput> inputArg(SessionArgs& args) const;
-
     HostSession& _session;
     std::map<std::string, Entry> _queries;
 };
