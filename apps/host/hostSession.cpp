@@ -1,7 +1,6 @@
 #include "hostSession.h"
 
 #include "hostPackages.h"
-#include "keyerImageSource.h"
 
 #include <base/rcCast.h>
 #include <pluginAPI/piContainer.h>
@@ -12,6 +11,7 @@
 #include <pluginAPI/piSnItem.h>
 #include <pluginAPI/piTimePath.h>
 #include <resmgt/msgFileGuard.h>
+#include <tesseraCore/colour/tsColour.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/tsNodeSelectChangedEvent.h>
 #include <tesseraCore/tsSetup.h>
@@ -79,7 +79,7 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
     UiHotkeyRegistry::getInstance();
     _viewer = std::make_unique<UiViewer>(viewerParent, "viewer");
     _viewer->resize(width, height);
-    _imageSource = std::make_unique<KeyerImageSource>(*_viewer);
+    _viewer->setDisplayTransform(&TsColour::getDisplayTransform());
     UiWorkspace::getInstance().addViewer(_viewer.get());
     _mainPanel = std::make_unique<UiPanel>("main", panelParent);
     if (!UiApplication::getInstance().getMainWindow()) {
@@ -100,7 +100,6 @@ HostSession::~HostSession() {
     if (_mainWindow && UiApplication::getInstance().getMainWindow() == _mainWindow.get()) {
         UiApplication::getInstance().setMainWindow(nullptr);
     }
-    _imageSource.reset();
     exContain("session: closing the viewer", [&] { _viewer.reset(); });
     _shown.reset();
     _group.reset();

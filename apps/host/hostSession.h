@@ -24,7 +24,6 @@ class UiMainWindow;
 class UiPanel;
 class UiViewer;
 class MsgFileGuard;
-class KeyerImageSource;
 class TsDemoPlate;
 
 // What both host programs are made of: one plate, one keyer group with its
@@ -115,8 +114,6 @@ public:
 
     // --- the viewer
     UiViewer& getViewer() const { return *_viewer; }
-    // What the viewer shows of the keyer (its view mode).
-    KeyerImageSource& getImageSource() const { return *_imageSource; }
     double getFrame() const;
     void setFrame(double frame);
     // Makes the tool current in the viewer, by name, as a panel does (the
@@ -151,7 +148,6 @@ private:
 
     std::unique_ptr<MsgFileGuard> _catalogue;
     std::unique_ptr<UiViewer> _viewer;
-    std::unique_ptr<KeyerImageSource> _imageSource;
     std::unique_ptr<UiPanel> _mainPanel;
     std::unique_ptr<UiMainWindow> _mainWindow;
     RCShdPtr<PiGraph> _graph;

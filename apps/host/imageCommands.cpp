@@ -1,13 +1,15 @@
 #include "imageCommands.h"
 
 #include "hostSession.h"
-#include "keyerImageSource.h"
 #include "outputWriter.h"
 #include "sessionArgs.h"
 #include "sessionInterpreter.h"
 
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/render/tsViewRender.h>
+
+#include <ui/uiViewer.h>
 
 #include <cmath>
 
@@ -74,11 +76,11 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
         s.setBackground(readPlate(in, file), file);
     });
     in.addCommand("view", [&s](SessionArgs& a) {
-        TsViewMode mode = TsViewMode::Composite;
-        const std::string name = a.choice("view mode", KeyerImageSource::getModeNames());
+        const std::string name = a.choice("view mode", TsViewRender::getViewNames());
         a.end();
-        KeyerImageSource::parseMode(name, mode);
-        s.getImageSource().setMode(mode);
+        if (!s.getViewer().setViewMode(name)) {
+            throw SessionArgs::Error("the viewer's node has no view \"" + name + "\"");
+        }
     });
     in.addCommand("write", [&in, &writer](SessionArgs& a) {
         const std::string kind = a.choice("output", OutputWriter::getKinds());
@@ -100,17 +102,14 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
         return background ? s.getBackgroundName() + " " + probe.format(PiValue(background))
                           : "none";
     });
-    probe.addQuery("mode", [&s](SessionArgs&) {
-        return KeyerImageSource::getModeName(s.getImageSource().getMode());
-    });
+    probe.addQuery("mode", [&s](SessionArgs&) { return s.getViewer().getViewMode(); });
     probe.addQuery("pixel", [&s](SessionArgs& a) {
         TsViewMode mode = TsViewMode::Composite;
-        const std::string name = a.choice("view mode", KeyerImageSource::getModeNames());
-        KeyerImageSource::parseMode(name, mode);
+        TsViewRender::parseView(a.choice("view mode", TsViewRender::getViewNames()), mode);
         const GePoint2<double> p = a.point("plate pixel");
         const RCShdPtr<TsKeyerNode> node = s.getShownNode();
         const PiImagePtr image =
-            node ? KeyerImageSource::render(*node, s.getFrame(), mode) : PiImagePtr();
+            node ? TsViewRender::render(*node, s.getFrame(), mode) : PiImagePtr();
         if (!image) {
             throw SessionArgs::Error("there is no plate to key");
         }

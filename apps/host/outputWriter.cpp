@@ -1,11 +1,11 @@
 #include "outputWriter.h"
 
 #include "hostSession.h"
-#include "keyerImageSource.h"
 
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/render/tsViewRender.h>
 #include <ui/uiViewer.h>
 
 #include <QImage>
@@ -43,7 +43,7 @@ bool OutputWriter::write(const std::string& kind, const std::string& path, std::
 
 bool OutputWriter::writeView(const std::string& kind, const std::string& path, std::string& error) {
     TsViewMode mode = TsViewMode::Composite;
-    if (kind != "comp" && !KeyerImageSource::parseMode(kind, mode)) {
+    if (kind != "comp" && !TsViewRender::parseView(kind, mode)) {
         error = "unknown output \"" + kind + "\"";
         return false;
     }
@@ -52,7 +52,7 @@ bool OutputWriter::writeView(const std::string& kind, const std::string& path, s
         error = "the viewer shows no keyer node";
         return false;
     }
-    const PiImagePtr image = KeyerImageSource::render(*node, _session.getFrame(), mode);
+    const PiImagePtr image = TsViewRender::render(*node, _session.getFrame(), mode);
     if (!image) {
         error = "there is no plate to key";
         return false;

@@ -1,9 +1,9 @@
 #include "sessionSummary.h"
 
 #include "hostSession.h"
-#include "keyerImageSource.h"
 
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/render/tsViewRender.h>
 
 #include <iomanip>
 #include <sstream>
@@ -26,7 +26,7 @@ std::optional<TsMatteScore> SessionSummary::score(const HostSession& session) {
     if (!demo || !node) {
         return std::nullopt;
     }
-    const PiImagePtr matte = KeyerImageSource::render(*node, session.getFrame(), TsViewMode::Matte);
+    const PiImagePtr matte = TsViewRender::render(*node, session.getFrame(), TsViewMode::Matte);
     if (!matte) {
         return std::nullopt;
     }

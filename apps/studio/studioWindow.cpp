@@ -2,7 +2,6 @@
 
 #include "host/hostSession.h"
 #include "host/imageCommands.h"
-#include "host/keyerImageSource.h"
 #include "host/outputWriter.h"
 #include "host/sessionInterpreter.h"
 #include "host/sessionRecorder.h"
@@ -14,6 +13,7 @@
 #include <pluginAPI/piEventHandlingInterface.h>
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piPath.h>
+#include <tesseraCore/render/tsViewRender.h>
 #include <tesseraCore/tsDgTool.h>
 #include <tesseraCore/tsMgTool.h>
 #include <tesseraCore/tsSpillBlendTool.h>
@@ -342,7 +342,7 @@ void StudioWindow::buildToolBar() {
     _mode = new QComboBox(bar);
     _mode->setObjectName("viewMode");
     int shortcut = 1;
-    for (const std::string& mode : KeyerImageSource::getModeNames()) {
+    for (const std::string& mode : TsViewRender::getViewNames()) {
         _mode->addItem(QString::fromStdString(mode));
         // The view modes switch with Ctrl+1 .. Ctrl+5.
         auto* action = new QAction(QString::fromStdString(mode), this);
@@ -353,7 +353,7 @@ void StudioWindow::buildToolBar() {
     }
     connect(_mode, &QComboBox::activated, this, [this](int index) {
         if (!_refreshing) {
-            perform("view " + KeyerImageSource::getModeNames().at(static_cast<std::size_t>(index)));
+            perform("view " + TsViewRender::getViewNames().at(static_cast<std::size_t>(index)));
         }
     });
     bar->addWidget(_mode);
@@ -454,7 +454,8 @@ void StudioWindow::refreshStage() {
     for (QAction* a : _stages->actions()) {
         a->setChecked(a->data().toString().toStdString() == stage);
     }
-    _mode->setCurrentIndex(static_cast<int>(_session->getImageSource().getMode()));
+    _mode->setCurrentIndex(
+        _mode->findText(QString::fromStdString(_session->getViewer().getViewMode())));
     _frame->setValue(static_cast<int>(_session->getFrame()));
     _refreshing = false;
 }

@@ -4,15 +4,16 @@
 #include "sessionScene.h"
 #include "ui/viewerScene.h"
 
-#include "host/keyerImageSource.h"
 #include "host/sessionArgs.h"
 #include "host/viewerDriver.h"
 
 #include <gfx/mfCurrentToolEventHandler.h>
 #include <gfx/mfToolset.h>
 #include <pluginAPI/piTimePath.h>
+#include <tesseraCore/colour/tsColour.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/render/tsViewRender.h>
 
 #include <QImage>
 
@@ -31,8 +32,10 @@ protected:
         key << "set keyColor1 " << screen.r << " " << screen.g << " " << screen.b;
         keyColour = key.str();
     }
-    KeyerImageSource& source() const { return session->getImageSource(); }
     UiViewer& viewer() const { return session->getViewer(); }
+    TsViewRenderer& renderer() const {
+        return dynamic_cast<TsViewRenderer&>(*viewer().getViewRenderer());
+    }
     std::string keyColour;
 };
 
@@ -41,16 +44,16 @@ TEST_F(KeyerImageScene, TheViewerShowsTheModeAndRendersOnlyWhenAnInputChanged) {
     const PiImagePtr first = viewer().getImage();
     ASSERT_TRUE(first);
     EXPECT_EQ(first->getWidth(), 640);
-    const int renders = source().getRenderCount();
+    const int renders = renderer().getRenderCount();
     EXPECT_EQ(viewer().getImage().get(), first.get()) << "nothing changed: the same image";
-    EXPECT_EQ(source().getRenderCount(), renders);
+    EXPECT_EQ(renderer().getRenderCount(), renders);
 
     // With black key colours nothing is keyed; the screen's colour keys the
     // screen out.
     EXPECT_EQ(first->getPixel(4, 350).r, 1.0f);
     ok(keyColour);
     const PiImagePtr keyed = viewer().getImage();
-    EXPECT_EQ(source().getRenderCount(), renders + 1);
+    EXPECT_EQ(renderer().getRenderCount(), renders + 1);
     EXPECT_EQ(keyed->getPixel(4, 350).r, 0.0f);
     EXPECT_EQ(keyed->getPixel(4, 350).a, 1.0f) << "a matte view is opaque grey";
 
@@ -85,14 +88,25 @@ TEST_F(KeyerImageScene, ADragShowsTheViewerResolutionAndItsEndTheFullOne) {
     const PiImagePtr during = viewer().getImage();
     ASSERT_TRUE(during);
     EXPECT_EQ(during->getWidth(), 320) << "a 640 plate in a 480 window: halved";
-    EXPECT_EQ(source().getViewerRenderCount(), 1);
+    EXPECT_EQ(renderer().getReducedRenderCount(), 1);
+    // The half-size image is painted over the whole plate: the screen shows
+    // the same colour at the plate's corners as the reduced render holds.
+    const QImage shot = viewer().grab().toImage();
+    for (const auto& [i, j] : {std::pair{0, 0}, std::pair{639, 359}, std::pair{100, 300}}) {
+        const GePoint2<float> at =
+            ViewerDriver::plateToWindow(viewer().getView(), {i + 0.5, j + 0.5});
+        const CoRgbaColorTyped<float> c = during->getPixel(i / 2, j / 2);
+        EXPECT_NEAR(shot.pixelColor(static_cast<int>(at.x), static_cast<int>(at.y)).greenF(),
+                    TsColour::encode(c.g), 0.02)
+            << i << "," << j;
+    }
     ok("move 340 180");
     EXPECT_NE(viewer().getImage().get(), during.get()) << "each step re-renders";
     ok("release 340 180");
     const PiImagePtr after = viewer().getImage();
     EXPECT_EQ(after->getWidth(), 640);
     // The full render is the pass's own at the new values.
-    const PiImagePtr reference = KeyerImageSource::render(node, 0.0, TsViewMode::Composite);
+    const PiImagePtr reference = TsViewRender::render(node, 0.0, TsViewMode::Composite);
     EXPECT_EQ(after->getPixel(321, 181).r, reference->getPixel(321, 181).r);
     EXPECT_EQ(stack().getUndoName(), "Set Spill");
     viewer().setEventHandler(RCShdPtr<PiEventHandler>());

@@ -3,7 +3,10 @@
 #include <base/rcShdPtr.h>
 #include <base/vwView.h>
 #include <gfx/wsRecordingPainter.h>
+#include <pluginAPI/piDisplayTransform.h>
+#include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piImage.h>
+#include <pluginAPI/piViewRenderer.h>
 #include <pluginAPI/piViewer.h>
 #include <pluginAPI/tmTimeClient.h>
 #include <ui/uiGrabHandler.h>
@@ -13,7 +16,7 @@
 #include <QImage>
 #include <QWidget>
 
-#include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -41,10 +44,14 @@
 // it left open is closed, and the viewer carries on. The application's
 // requests run after each event.
 //
-// Drawing. The viewer paints the image (by default the node's plate: the
-// image input of its PiImageModifier; setImageSource shows something else,
-// such as the keyer's output), then the handler's two drawing passes,
-// recorded into a display list and painted over the image.
+// Drawing. The viewer paints the image, then the handler's two drawing
+// passes, recorded into a display list and painted over the image. The image
+// is the node's: one of the views its controller renders
+// (PiViewRenderInterface), at viewer resolution while the handler
+// manipulates (a drag) and at full resolution otherwise; for a node without
+// views, the plate (the image input of its PiImageModifier). It goes to the
+// screen through the display transform the host installed, which changes
+// nothing that picks or outputs read.
 //
 // The viewer is the current viewer of PiEventHandlingInterface when it is the
 // first one made and whenever it takes the focus.
@@ -56,9 +63,6 @@
 // way ends there, its undo step closed.
 class UiViewer : public QWidget, public PiViewer, public UiWidget, public VpDrawArea {
 public:
-    // The image shown at a frame; an empty pointer shows nothing.
-    using ImageSource = std::function<PiImagePtr(double frame)>;
-
     explicit UiViewer(QWidget* parent = nullptr, const LiString& name = "viewer");
     ~UiViewer() override;
 
@@ -74,7 +78,17 @@ public:
     // Installs a handler of the caller's (nodes without stages, tests); the
     // stage becomes "".
     void setEventHandler(const RCShdPtr<PiEventHandler>& handler);
-    void setImageSource(ImageSource source);
+    // The node's views (empty for a node without); the view shown, which a
+    // new node keeps when it offers it too, else it shows its default view.
+    std::vector<std::string> getViews() const;
+    const std::string& getViewMode() const { return _viewMode; }
+    // False (reported) for a view the node does not offer; without a node,
+    // the view the next node shows if it offers it.
+    bool setViewMode(const std::string& view);
+    // The renderer of the node's views; null for a node without.
+    PiViewRenderer* getViewRenderer() const { return _renderer.get(); }
+    // Not owned; null for the plain clamp. It must outlive the viewer's use.
+    void setDisplayTransform(const PiDisplayTransform* transform);
     // The image shown now.
     PiImagePtr getImage() const;
     // The world rectangle the image covers: the node's plate (so that a
@@ -162,7 +176,9 @@ private:
     std::string _stage;
     TmTimeClient _time;
     VwView _view;
-    ImageSource _source;
+    std::unique_ptr<PiViewRenderer> _renderer;
+    std::string _viewMode;
+    const PiDisplayTransform* _display = nullptr;
     WsRecordingPainter _displayList;
     GePoint2<float> _pointer;
     bool _panning = false;

@@ -1,5 +1,7 @@
 #include "tsKeyerController.h"
 
+#include <tesseraCore/render/tsViewRender.h>
+
 #include <base/rcExUtil.h>
 #include <base/typeName.h>
 
@@ -51,4 +53,16 @@ void TsKeyerController::inputChanged(PiInput& input) {
     if (&input == n.getPatchNamesInput().get()) {
         n.ensurePatchInputs(n.getPatchCount());
     }
+}
+
+std::vector<std::string> TsKeyerController::getViews() const {
+    return TsViewRender::getViewNames();
+}
+
+std::string TsKeyerController::getDefaultView() const {
+    return TsViewRender::getViewName(TsViewMode::Composite);
+}
+
+std::unique_ptr<PiViewRenderer> TsKeyerController::createViewRenderer() {
+    return std::make_unique<TsViewRenderer>(RCShdPtr<const TsKeyerNode>(&node()));
 }

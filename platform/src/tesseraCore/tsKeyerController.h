@@ -2,6 +2,7 @@
 
 #include <pluginAPI/piImageModifier.h>
 #include <pluginAPI/piToolInterface.h>
+#include <pluginAPI/piViewRenderer.h>
 #include <pluginAPI/piViewerStageInterface.h>
 #include <tesseraCore/tsDgInterface.h>
 #include <tesseraCore/tsKeyerNode.h>
@@ -15,7 +16,8 @@ class TsKeyerController : public TsMgInterface,
                           public TsSpillBlendInterface,
                           public PiToolInterface,
                           public PiImageModifier,
-                          public PiViewerStageInterface {
+                          public PiViewerStageInterface,
+                          public PiViewRenderInterface {
 public:
     TsKeyerController() = default;
 
@@ -71,6 +73,12 @@ public:
                                                          const RCShdPtr<PiNode>& node,
                                                          const RCShdPtr<PiPath>& path) override;
     std::string getViewerStageOfTool(const std::string& toolName) const override;
+
+    // PiViewRenderInterface: the keyer's views (TsViewRender), the
+    // composite first shown.
+    std::vector<std::string> getViews() const override;
+    std::string getDefaultView() const override;
+    std::unique_ptr<PiViewRenderer> createViewRenderer() override;
 
 protected:
     void inputChanged(PiInput& input) override;

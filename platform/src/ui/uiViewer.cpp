@@ -41,16 +41,12 @@ QRectF toQRect(const WsRecordingPainter::Item& item) {
     return QRectF(QPointF(item.x0, item.y0), QPointF(item.x1, item.y1));
 }
 
-// Scene-linear to an 8-bit display value (the sRGB curve), clamped.
-unsigned char toDisplay(float v) {
-    if (!(v > 0.0f)) {
-        return 0;
-    }
-    if (v >= 1.0f) {
-        return 255;
-    }
-    const float s = v <= 0.0031308f ? 12.92f * v : 1.055f * std::pow(v, 1.0f / 2.4f) - 0.055f;
-    return static_cast<unsigned char>(std::lround(s * 255.0f));
+unsigned char toByte(float v) {
+    return static_cast<unsigned char>(std::lround(std::clamp(v, 0.0f, 1.0f) * 255.0f));
+}
+
+PiViewRenderInterface* viewsOf(const RCShdPtr<PiNode>& node) {
+    return node ? dynamic_cast<PiViewRenderInterface*>(node->getController().get()) : nullptr;
 }
 
 PiViewerStageInterface* stagesOf(const RCShdPtr<PiNode>& node) {
@@ -91,6 +87,16 @@ void UiViewer::setNode(const RCShdPtr<PiNode>& node) {
     _node = node;
     _path = node ? rcMake<PiPath>(node) : RCShdPtr<PiPath>();
     _shown.reset();
+    _renderer.reset();
+    if (PiViewRenderInterface* views = viewsOf(node)) {
+        exContain("viewer " + getName() + ": the node's views", [&] {
+            const std::vector<std::string> names = views->getViews();
+            if (std::find(names.begin(), names.end(), _viewMode) == names.end()) {
+                _viewMode = views->getDefaultView();
+            }
+            _renderer = views->createViewRenderer();
+        });
+    }
     _fitted = false;
     if (PiViewerStageInterface* stages = stagesOf(node)) {
         const std::vector<std::string> names = stages->getViewerStages();
@@ -169,17 +175,49 @@ void UiViewer::install(const RCShdPtr<PiEventHandler>& handler, const std::strin
     }
 }
 
-void UiViewer::setImageSource(ImageSource source) {
-    _source = std::move(source);
+std::vector<std::string> UiViewer::getViews() const {
+    std::vector<std::string> names;
+    if (PiViewRenderInterface* views = viewsOf(_node)) {
+        exContain("viewer " + getName() + ": the node's views", [&] { names = views->getViews(); });
+    }
+    return names;
+}
+
+bool UiViewer::setViewMode(const std::string& view) {
+    const std::vector<std::string> names = getViews();
+    if (_node && std::find(names.begin(), names.end(), view) == names.end()) {
+        ExReporter::getInstance().report("viewer " + getName(),
+                                         "the node shown has no view \"" + view + "\"");
+        return false;
+    }
+    if (view != _viewMode) {
+        _viewMode = view;
+        redraw();
+    }
+    return true;
+}
+
+void UiViewer::setDisplayTransform(const PiDisplayTransform* transform) {
+    _display = transform;
     _shown.reset();
     redraw();
 }
 
 PiImagePtr UiViewer::getImage() const {
-    if (_source) {
-        return _source(_time.getTime());
+    if (!_renderer) {
+        return getPlate();
     }
-    return getPlate();
+    bool manipulating = false;
+    if (const RCShdPtr<PiEventHandler> handler = _handler) {
+        exContain("viewer " + getName() + ": the handler's state",
+                  [&] { manipulating = handler->isManipulating(); });
+    }
+    PiImagePtr image;
+    exContain("viewer " + getName() + ": rendering view \"" + _viewMode + "\"", [&] {
+        image =
+            _renderer->render(_viewMode, _time.getTime(), manipulating ? std::max(width(), 1) : 0);
+    });
+    return image;
 }
 
 PiImagePtr UiViewer::getPlate() const {
@@ -197,7 +235,7 @@ PiImagePtr UiViewer::getPlate() const {
 GeRectangle<float> UiViewer::getImageExtent() const {
     PiImagePtr image = getPlate();
     if (!image || image->isEmpty()) {
-        image = _source ? _source(_time.getTime()) : PiImagePtr();
+        image = getImage();
     }
     if (!image || image->isEmpty()) {
         return GeRectangle<float>();
@@ -323,11 +361,12 @@ const QImage& UiViewer::displayImage() {
         // Rows are stored bottom up; the window's go top down.
         const float* src = image->row(j);
         uchar* dst = _shownImage.scanLine(h - 1 - j);
-        for (int i = 0; i < w; ++i, src += 4, dst += 4) {
-            dst[0] = toDisplay(src[0]);
-            dst[1] = toDisplay(src[1]);
-            dst[2] = toDisplay(src[2]);
-            dst[3] = static_cast<uchar>(std::lround(std::clamp(src[3], 0.0f, 1.0f) * 255.0f));
+        if (_display) {
+            _display->apply(src, dst, static_cast<std::size_t>(w));
+            continue;
+        }
+        for (int i = 0; i < 4 * w; ++i) {
+            dst[i] = toByte(src[i]);
         }
     }
     return _shownImage;

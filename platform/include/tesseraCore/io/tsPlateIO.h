@@ -20,14 +20,14 @@
 // - colour stays straight: associated (premultiplied) alpha, as in EXR, is
 //   divided out where alpha > 0;
 // - integer files that declare the sRGB encoding (PNG, JPEG, most TIFFs)
-//   are decoded to linear; float data is taken as it is;
+//   are decoded to linear (TsColour); float data is taken as it is;
 // - NaN components of float files become 0 (they would poison every average
 //   and the matte).
 //
 // Writing, by the file's extension:
 // - .exr: 32-bit float RGBA, premultiplied, display window = data window;
-// - .png: 16-bit RGBA, sRGB-encoded colour, straight alpha, clamped to
-//   [0, 1].
+// - .png: 16-bit RGBA, sRGB-encoded colour (TsColour), straight alpha,
+//   clamped to [0, 1].
 class TsPlateIO {
 public:
     static PiImagePtr read(const std::string& path, std::string& error);
@@ -37,8 +37,4 @@ public:
     // reader" or "image writer", the message as above).
     static PiImagePtr readReported(const std::string& path);
     static bool writeReported(const PiImage& image, const std::string& path);
-
-    // The sRGB transfer functions used above.
-    static float srgbToLinear(float v);
-    static float linearToSrgb(float v);
 };

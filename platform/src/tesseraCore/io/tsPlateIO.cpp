@@ -1,5 +1,7 @@
 #include <tesseraCore/io/tsPlateIO.h>
 
+#include <tesseraCore/colour/tsColour.h>
+
 #include <base/exReporter.h>
 
 #include <OpenImageIO/imageio.h>
@@ -126,8 +128,7 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
         colourTable.resize(65536);
         for (int code = 0; code < 65536; ++code) {
             linearTable[code] = static_cast<float>(code) / 65535.0f;
-            colourTable[code] =
-                srgb ? TsPlateIO::srgbToLinear(linearTable[code]) : linearTable[code];
+            colourTable[code] = srgb ? TsColour::decode(linearTable[code]) : linearTable[code];
         }
     }
     auto value = [&](std::size_t index, bool colour) {
@@ -216,7 +217,7 @@ bool writeImage(const PiImage& image, const std::string& path, std::string& erro
                 d[3] = s[3];
             } else {
                 for (int c = 0; c < 3; ++c) {
-                    d[c] = TsPlateIO::linearToSrgb(std::clamp(s[c], 0.0f, 1.0f));
+                    d[c] = TsColour::encode(std::clamp(s[c], 0.0f, 1.0f));
                 }
                 d[3] = std::clamp(s[3], 0.0f, 1.0f);
             }
@@ -288,12 +289,4 @@ bool TsPlateIO::writeReported(const PiImage& image, const std::string& path) {
         ExReporter::getInstance().report("image writer", error);
     }
     return ok;
-}
-
-float TsPlateIO::srgbToLinear(float v) {
-    return v <= 0.04045f ? v / 12.92f : std::pow((v + 0.055f) / 1.055f, 2.4f);
-}
-
-float TsPlateIO::linearToSrgb(float v) {
-    return v <= 0.0031308f ? v * 12.92f : 1.055f * std::pow(v, 1.0f / 2.4f) - 0.055f;
 }

@@ -1,0 +1,97 @@
+#include <tesseraCore/render/tsViewRender.h>
+
+#include <tesseraCore/tsKeyerNode.h>
+
+#include <base/assertions.h>
+
+#include <algorithm>
+
+namespace {
+
+PiImagePtr imageOf(const RCShdPtr<PiInput>& input, double frame) {
+    return input ? input->getTypedValue<PiImagePtr>(frame) : PiImagePtr();
+}
+
+// Grows with every change of any input of the node: the cache's staleness
+// test (a sum of the inputs' revisions, which only ever grow).
+std::uint64_t revisionOf(const PiNode& node) {
+    std::uint64_t sum = 0;
+    for (int i = 0; i < node.getInputCount(); ++i) {
+        sum += node.getInput(i)->getRevision();
+    }
+    return sum;
+}
+
+} // namespace
+
+const std::vector<std::string>& TsViewRender::getViewNames() {
+    static const std::vector<std::string> names = {"source", "matte", "status", "foreground",
+                                                   "composite"};
+    return names;
+}
+
+const std::string& TsViewRender::getViewName(TsViewMode mode) {
+    return getViewNames().at(static_cast<std::size_t>(mode));
+}
+
+bool TsViewRender::parseView(const std::string& name, TsViewMode& mode) {
+    const auto& names = getViewNames();
+    const auto it = std::find(names.begin(), names.end(), name);
+    if (it == names.end()) {
+        return false;
+    }
+    mode = static_cast<TsViewMode>(it - names.begin());
+    return true;
+}
+
+PiImagePtr TsViewRender::render(const TsKeyerNode& node, double frame, TsViewMode mode) {
+    const PiImagePtr plate = imageOf(node.getImageInput(), frame);
+    if (!plate || plate->isEmpty()) {
+        return PiImagePtr();
+    }
+    TsKeyerPass pass;
+    pass.setPlate(plate);
+    pass.setBackground(imageOf(node.getBackgroundInput(), frame));
+    pass.setSettings(node.getSettings(frame));
+    return pass.render(mode);
+}
+
+TsViewRenderer::TsViewRenderer(const RCShdPtr<const TsKeyerNode>& node)
+    : _node(node) {}
+
+PiImagePtr TsViewRenderer::render(const std::string& view, double time, int width) {
+    TsViewMode mode = TsViewMode::Composite;
+    if (!TsViewRender::parseView(view, mode)) {
+        Assertions::throwAssertionFailed(__FILE__, __LINE__, "TsViewRender::parseView(view, mode)");
+    }
+    const TsKeyerNode& node = *_node;
+    const Key key{revisionOf(node), time, mode, std::max(width, 0)};
+    if (_valid && key == _key) {
+        return _image;
+    }
+    const PiImagePtr plate = imageOf(node.getImageInput(), time);
+    if (!plate || plate->isEmpty()) {
+        _image.reset();
+    } else {
+        if (_pass.getPlate().get() != plate.get()) {
+            _pass.setPlate(plate);
+        }
+        const PiImagePtr background = imageOf(node.getBackgroundInput(), time);
+        if (_pass.getBackground().get() != background.get()) {
+            _pass.setBackground(background);
+        }
+        _pass.setSettings(node.getSettings(time));
+        if (key.width > 0) {
+            auto out = rcMake<PiImage>();
+            _pass.renderViewer(mode, key.width, *out);
+            _image = PiImagePtr(out);
+            ++_reducedRenders;
+        } else {
+            _image = _pass.render(mode);
+            ++_renders;
+        }
+    }
+    _key = key;
+    _valid = true;
+    return _image;
+}
