@@ -30,8 +30,6 @@
 
 namespace {
 
-const char* const GroupName = "Tessera";
-
 // The areas of the main panel, by the panel names scripts use.
 const std::vector<std::pair<std::string, std::string>> Areas = {{"matte", "tsMatteGen"},
                                                                 {"degrain", "tsDegrain"},
@@ -48,17 +46,6 @@ UiNodeWidget* areaOf(const PiContainer& panel, const std::string& area) {
 RCShdPtr<PiNode> nodeOf(const RCShdPtr<const SnItem>& item) {
     const auto* node = dynamic_cast<const PiSnItem<PiNode>*>(item.get());
     return node ? node->get() : RCShdPtr<PiNode>();
-}
-
-// An image input set as the host wires it: no undo step.
-void wire(const RCShdPtr<PiInput>& input, const PiImagePtr& image) {
-    if (!input) {
-        return;
-    }
-    PiInputState state = input->getState();
-    state.constant = PiValue(image);
-    state.keys.clear();
-    input->restoreState(state);
 }
 
 } // namespace
@@ -87,6 +74,7 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
         UiApplication::getInstance().setMainWindow(_mainWindow.get());
     }
     SnSelection::getCurrent()->attachObserver(this);
+    _scene = std::make_unique<TsKeyerScene>();
     makeKeyer(1, 1);
 }
 
@@ -102,8 +90,7 @@ HostSession::~HostSession() {
     }
     exContain("session: closing the viewer", [&] { _viewer.reset(); });
     _shown.reset();
-    _group.reset();
-    _graph.reset();
+    _scene.reset();
     settle();
     _catalogue.reset();
     ExReporter::getInstance().removeListener(_listener);
@@ -117,16 +104,16 @@ void HostSession::settle() {
 // --- the keyer
 
 void HostSession::attachGroup() {
-    const RCShdPtr<PiNodeController>& controller = _group->getController();
+    const RCShdPtr<PiNodeController>& controller = getKeyer()->getController();
     controller->addCallback<TsNodeSelectChangedEvent>(&_selectChanged);
     controller->addCallback<PiNodeEvent::NodeRemovedFromGroup>(&_removed);
 }
 
 void HostSession::detachGroup() {
-    if (!_group) {
+    if (!_scene || !getKeyer()) {
         return;
     }
-    const RCShdPtr<PiNodeController>& controller = _group->getController();
+    const RCShdPtr<PiNodeController>& controller = getKeyer()->getController();
     controller->removeCallback<TsNodeSelectChangedEvent>(&_selectChanged);
     controller->removeCallback<PiNodeEvent::NodeRemovedFromGroup>(&_removed);
 }
@@ -138,22 +125,15 @@ void HostSession::makeKeyer(int generation, int nodes) {
     exContain("session: the viewer lets the old keyer go",
               [&] { _viewer->setNode(RCShdPtr<PiNode>()); });
     _shown.reset();
-    _graph = PiGraph::create();
-    _group = TsKeyerGroup::create(GroupName, generation, std::max(nodes, 1));
-    _graph->getRoot()->addNode(_group);
-    for (int i = 0; i < std::min(_group->getKeyerNodeCount(), TsGroupInterface::SlotCount); ++i) {
-        _group->setSlotNode(i, _group->getKeyerNode(i));
-    }
-    _group->setSelectedNode(_group->getKeyerNode(0));
-    wirePlates();
-    _graph->getCommandStack().clear();
+    _scene->makeKeyer(generation, nodes);
+    const RCShdPtr<TsKeyerGroup>& group = getKeyer();
     attachGroup();
     followKeyer();
     const RCShdPtr<const PiTimePath> timePath(
-        new PiTimePath(&_viewer->getTime(), rcMake<PiPath>(RCShdPtr<PiNode>(_group))));
-    exContain("session: the main panel", [&] { _mainPanel->setNode(_group, timePath); });
+        new PiTimePath(&_viewer->getTime(), rcMake<PiPath>(RCShdPtr<PiNode>(group))));
+    exContain("session: the main panel", [&] { _mainPanel->setNode(group, timePath); });
     showPanels();
-    select(_group->getKeyerNode(0));
+    select(group->getKeyerNode(0));
 }
 
 const std::vector<std::string>& HostSession::getPanelNames() {
@@ -191,19 +171,8 @@ void HostSession::showPanels() {
     }
 }
 
-RCShdPtr<PiNode> HostSession::findNode(const std::string& name) const {
-    if (name == _group->getName()) {
-        return _group;
-    }
-    return _group->findNode(name);
-}
-
 void HostSession::followKeyer() {
-    RCShdPtr<PiNode> selected = _group->getSelectedNode();
-    RCShdPtr<TsKeyerNode> keyer(dynamic_cast<TsKeyerNode*>(selected.get()));
-    if (!keyer) {
-        keyer = _group->getKeyerNode(0);
-    }
+    const RCShdPtr<TsKeyerNode> keyer = _scene->getActiveNode();
     if (keyer.get() == _shown.get() && _viewer->getNode().get() == keyer.get()) {
         return;
     }
@@ -231,11 +200,12 @@ void HostSession::nodeRemoved(const PiNodeEvent& event) {
 
 void HostSession::update(const Sn& selection) {
     const RCShdPtr<PiNode> node = nodeOf(selection.first());
-    if (!node || node->getParent() != _group.get() || !dynamic_cast<TsKeyerNode*>(node.get())) {
+    const RCShdPtr<TsKeyerGroup>& group = getKeyer();
+    if (!node || node->getParent() != group.get() || !dynamic_cast<TsKeyerNode*>(node.get())) {
         return;
     }
-    if (_group->getSelectedNode().get() != node.get()) {
-        exContain("session: selecting " + node->getName(), [&] { _group->setSelectedNode(node); });
+    if (group->getSelectedNode().get() != node.get()) {
+        exContain("session: selecting " + node->getName(), [&] { group->setSelectedNode(node); });
     }
 }
 
@@ -256,12 +226,13 @@ void HostSession::rename(const RCShdPtr<PiNode>& node, const std::string& name) 
 }
 
 bool HostSession::remove(const RCShdPtr<PiNode>& node) {
-    if (!node || node.get() == _group.get() || node->getParent() != _group.get() ||
+    const RCShdPtr<TsKeyerGroup>& group = getKeyer();
+    if (!node || node.get() == group.get() || node->getParent() != group.get() ||
         dynamic_cast<PiBoundaryNode*>(node.get())) {
         return false;
     }
     bool removed = false;
-    exContain("session: removing " + node->getName(), [&] { removed = _group->removeNode(node); });
+    exContain("session: removing " + node->getName(), [&] { removed = group->removeNode(node); });
     followKeyer();
     settle();
     return removed;
@@ -298,40 +269,19 @@ int HostSession::redo(int steps) {
 // --- setups
 
 bool HostSession::saveSetup(const std::string& path, std::string& error) const {
-    LiString message;
-    if (!TsSetup::save(*_group, path, &message)) {
-        error = message;
-        return false;
-    }
-    return true;
+    return _scene->saveSetup(path, error);
 }
 
 bool HostSession::loadSetup(const std::string& path, std::string& error) {
-    bool loaded = false;
-    LiString message;
-    exContain("session: loading " + path, [&] { loaded = TsSetup::load(*_group, path, &message); });
-    if (!loaded) {
-        error = message.empty() ? "the setup was not loaded" : message;
+    if (!_scene->loadSetup(path, error)) {
         return false;
     }
-    // Keyer nodes the setup added get the plate too.
-    wirePlates();
     followKeyer();
     settle();
     return true;
 }
 
 // --- plates
-
-void HostSession::wirePlates() {
-    for (int i = 0; i < _group->getKeyerNodeCount(); ++i) {
-        const RCShdPtr<TsKeyerNode> keyer = _group->getKeyerNode(i);
-        exContain("session: plates of " + keyer->getName(), [&] {
-            wire(keyer->getImageInput(), _plate);
-            wire(keyer->getBackgroundInput(), _background);
-        });
-    }
-}
 
 void HostSession::setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo) {
     setPlate(demo->getPlate(), "demo");
@@ -340,17 +290,13 @@ void HostSession::setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo) {
 
 void HostSession::setPlate(const PiImagePtr& plate, const std::string& name) {
     _demo.reset();
-    _plate = plate;
-    _plateName = name;
-    wirePlates();
+    _scene->setPlate(plate, name);
     _viewer->fitImage();
     _viewer->redraw();
 }
 
 void HostSession::setBackground(const PiImagePtr& background, const std::string& name) {
-    _background = background;
-    _backgroundName = name;
-    wirePlates();
+    _scene->setBackground(background, name);
     _viewer->redraw();
 }
 

@@ -13,6 +13,7 @@
 #include <tesseraCore/tsGroupInterface.h>
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsKeyerNode.h>
+#include <tesseraCore/tsKeyerScene.h>
 
 #include <memory>
 #include <string>
@@ -26,9 +27,10 @@ class UiViewer;
 class MsgFileGuard;
 class TsDemoPlate;
 
-// What both host programs are made of: one plate, one keyer group with its
-// keyer nodes in a graph of their own (whose command stack is the undo
-// history), the viewer that shows the keyer node the group has selected, the
+// What both host programs are made of: the keyer scene (TsKeyerScene: one
+// keyer group with its keyer nodes in a graph of their own, whose command
+// stack is the undo history, and the plate and background they are wired
+// to), the viewer that shows the keyer node the group has selected, the
 // application's node selection, and the reports of everything that went
 // wrong. The module is loaded and started once per process, before the first
 // session; its message catalogue stays open for the life of the session and
@@ -39,10 +41,6 @@ class TsDemoPlate;
 // selected away, removed or brought back by an undo. Selecting a keyer node of
 // the group in the application's selection selects it in the group (an undo
 // step of the keyer's, "Select Node").
-//
-// Plates are the host's wiring: they are put on every keyer node's image
-// input (and the background on its background input) without an undo step,
-// and again on keyer nodes that a setup load adds.
 //
 // Widgets that pick from any viewer (a panel's key-colour pick) find the
 // viewer through the application's main window: unless the program set one,
@@ -76,12 +74,13 @@ public:
     // `nodes` keyer nodes ("keyer1", ...): slots hold the first six, the
     // first is selected, and the history starts empty.
     void makeKeyer(int generation, int nodes);
-    const RCShdPtr<TsKeyerGroup>& getKeyer() const { return _group; }
-    const RCShdPtr<PiGraph>& getGraph() const { return _graph; }
-    PiCommandStack& getCommandStack() const { return _graph->getCommandStack(); }
+    TsKeyerScene& getScene() const { return *_scene; }
+    const RCShdPtr<TsKeyerGroup>& getKeyer() const { return _scene->getKeyer(); }
+    const RCShdPtr<PiGraph>& getGraph() const { return _scene->getGraph(); }
+    PiCommandStack& getCommandStack() const { return _scene->getCommandStack(); }
     // The group itself (by its name) or a node directly inside it; empty
     // when none has the name.
-    RCShdPtr<PiNode> findNode(const std::string& name) const;
+    RCShdPtr<PiNode> findNode(const std::string& name) const { return _scene->findNode(name); }
     // The keyer node the viewer shows; empty when the group has none.
     RCShdPtr<TsKeyerNode> getShownNode() const { return _shown; }
 
@@ -107,10 +106,10 @@ public:
     void setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo);
     // The demo plate whose plate is shown; null for any other plate.
     const std::shared_ptr<const TsDemoPlate>& getDemo() const { return _demo; }
-    const PiImagePtr& getPlate() const { return _plate; }
-    const std::string& getPlateName() const { return _plateName; }
-    const PiImagePtr& getBackground() const { return _background; }
-    const std::string& getBackgroundName() const { return _backgroundName; }
+    const PiImagePtr& getPlate() const { return _scene->getPlate(); }
+    const std::string& getPlateName() const { return _scene->getPlateName(); }
+    const PiImagePtr& getBackground() const { return _scene->getBackground(); }
+    const std::string& getBackgroundName() const { return _scene->getBackgroundName(); }
 
     // --- the viewer
     UiViewer& getViewer() const { return *_viewer; }
@@ -141,7 +140,6 @@ private:
     void selectedNodeChanged(const PiNodeEvent& event);
     void nodeRemoved(const PiNodeEvent& event);
     void followKeyer();
-    void wirePlates();
     void attachGroup();
     void showPanels();
     void detachGroup();
@@ -150,14 +148,9 @@ private:
     std::unique_ptr<UiViewer> _viewer;
     std::unique_ptr<UiPanel> _mainPanel;
     std::unique_ptr<UiMainWindow> _mainWindow;
-    RCShdPtr<PiGraph> _graph;
-    RCShdPtr<TsKeyerGroup> _group;
+    std::unique_ptr<TsKeyerScene> _scene;
     RCShdPtr<TsKeyerNode> _shown;
     std::shared_ptr<const TsDemoPlate> _demo; // while its plate is shown
-    PiImagePtr _plate;
-    PiImagePtr _background;
-    std::string _plateName;
-    std::string _backgroundName;
     std::vector<ExReporter::Report> _reports;
     int _listener = 0;
     CbMethod<HostSession, const PiNodeEvent> _selectChanged{this,
