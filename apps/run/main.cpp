@@ -1,181 +1,167 @@
 // tessera-run: replays a session script headless, or with no arguments keys
-// the built-in demo plate with the built-in demo session.
-#include "demoSession.h"
-#include "host/hostPackages.h"
-#include "host/hostSession.h"
-#include "host/imageCommands.h"
-#include "host/outputWriter.h"
-#include "host/sessionInterpreter.h"
-#include "host/sessionScript.h"
-#include "host/widgetCommands.h"
+// the built-in demo plate with the built-in demo session; renders a setup
+// with no window system (--render).
+//
+// The program itself stands on the keyer's core alone. What drives the
+// viewer and the panels (session replay, the package listing) lives in
+// libtessera-run-session beside the host's libraries, loaded only when it is
+// needed: a batch render, --help and --version load no interface library.
+#include "batchRender.h"
+#include "session/sessionRun.h"
 
-#include <QByteArray>
-#include <QtGlobal>
-
-#include <chrono>
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <dlfcn.h>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <memory>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
 void usage(std::ostream& os) {
     os << "usage: tessera-run [SESSION] [--out DIR] [--quiet]\n"
+          "       tessera-run --render SETUP --plate FILE|demo [--background FILE|demo]\n"
+          "                   [--frame N] [--out DIR] --write KIND FILE [--write KIND FILE ...]\n"
           "       tessera-run --list-packages\n"
+          "       tessera-run --help | --version\n"
           "\n"
           "  SESSION          a session script (docs/session-scripts.md); relative files it\n"
           "                   reads are found beside it. Without one: the built-in demo\n"
           "                   session keys the built-in demo plate, outputs in out/\n"
-          "  --out DIR        where relative files the session writes go (default: the\n"
-          "                   current directory, out/ for the demo)\n"
+          "  --out DIR        where relative files the session (or render) writes go\n"
+          "                   (default: the current directory, out/ for the demo)\n"
           "  --quiet          no progress on standard error\n"
+          "  --render SETUP   render a keyer setup with no window system: the plate (and\n"
+          "                   background) keyed by the setup's selected keyer node at the\n"
+          "                   frame (default 0); KIND is source, matte, status, foreground\n"
+          "                   or comp, FILE an .exr or .png\n"
           "  --list-packages  load the keyer's user-interface module, start every package\n"
           "                   and list them: name, state, dependencies, build information;\n"
           "                   then what the module registered, after start-up and after\n"
           "                   shut-down\n"
           "\n"
           "Exit status: 0 when every line ran and every expectation held, 1 when a line\n"
-          "failed (the script's file and line are named), 2 for a bad command line.\n";
+          "failed (the script's file and line are named) or an output could not be\n"
+          "written, 2 for a bad command line.\n";
 }
 
-// Progress of a long replay on standard error: nothing for the first second,
-// then at most twice a second, and a last line when done.
-class Progress {
-public:
-    void operator()(std::size_t done, std::size_t total) {
-        const auto now = std::chrono::steady_clock::now();
-        if (done == total || now - _start < std::chrono::seconds(1) || now - _last < _every) {
-            return;
-        }
-        _last = now;
-        _shown = true;
-        std::cerr << "tessera-run: line " << done << " of " << total << " ("
-                  << (100 * done / (total ? total : 1)) << "%)\n";
+int badUsage(const std::string& what) {
+    std::cerr << "tessera-run: " << what << "\n";
+    usage(std::cerr);
+    return 2;
+}
+
+// The session part, from beside the host's libraries (lib/ beside bin/).
+int runSession(const SessionRunArgs& args) {
+    std::error_code ec;
+    const auto exe = std::filesystem::read_symlink("/proc/self/exe", ec);
+    const std::filesystem::path library =
+        (ec ? std::filesystem::current_path() : exe.parent_path()).parent_path() / "lib" /
+        "libtessera-run-session.so";
+    void* handle = ::dlopen(library.c_str(), RTLD_NOW | RTLD_GLOBAL);
+    if (!handle) {
+        std::cerr << "tessera-run: cannot load " << library.string() << ": " << ::dlerror() << "\n";
+        return 1;
     }
-    void finish(std::size_t total) const {
-        if (_shown) {
-            const double seconds =
-                std::chrono::duration<double>(std::chrono::steady_clock::now() - _start).count();
-            std::cerr << "tessera-run: " << total << " lines in " << seconds << " s\n";
-        }
+    // Never unloaded: the host's packages and the module stay until exit.
+    const auto entry =
+        reinterpret_cast<TesseraRunSessionEntry>(::dlsym(handle, "tesseraRunSession"));
+    if (!entry) {
+        std::cerr << "tessera-run: " << library.string() << " has no session entry\n";
+        return 1;
     }
+    return entry(&args);
+}
 
-private:
-    const std::chrono::steady_clock::time_point _start = std::chrono::steady_clock::now();
-    std::chrono::steady_clock::time_point _last = _start;
-    const std::chrono::milliseconds _every{500};
-    bool _shown = false;
-};
-
-struct Arguments {
-    std::string session; // empty: the demo
-    std::string out;
-    bool outGiven = false;
-    bool quiet = false;
-};
-
-// Runs the session; answers the exit status.
-int replay(const Arguments& args) {
-    SessionScript script;
-    try {
-        script = args.session.empty()
-                     ? SessionScript::parse(TesseraRun::demoSession, "demoSession.tss (built in)")
-                     : SessionScript::read(args.session);
-    } catch (const SessionError& e) {
-        std::cerr << "tessera-run: " << e.getSource() << ": " << e.getMessage() << "\n";
-        return e.getLine() == 0 ? 2 : 1;
-    }
-
-    Progress progress;
-    SessionInterpreter::Options options;
-    options.inputDir = args.session.empty()
-                           ? std::string()
-                           : std::filesystem::path(args.session).parent_path().string();
-    options.outputDir = args.outGiven ? args.out : (args.session.empty() ? "out" : "");
-    if (!args.quiet) {
-        options.progress = [&progress](std::size_t done, std::size_t total) {
-            progress(done, total);
-        };
-    }
-
-    int status = 0;
-    {
-        HostSession session;
-        OutputWriter writer(session);
-        SessionInterpreter interpreter(session, options);
-        ImageCommands::add(interpreter, writer);
-        WidgetCommands::add(interpreter);
-        try {
-            interpreter.run(script);
-            progress.finish(script.getLines().size());
-        } catch (const SessionError& e) {
-            std::cerr << "tessera-run: " << e.what() << "\n";
-            status = 1;
-        }
-        if (status == 0 && args.session.empty()) {
-            // The demo shows what it made.
-            for (const auto& [kind, path] : writer.getWritten()) {
-                if (kind == "summary") {
-                    std::ifstream summary(path);
-                    std::cout << summary.rdbuf();
-                }
+int render(int argc, char** argv) {
+    BatchRender::Options options;
+    for (int i = 2; i < argc; ++i) {
+        const std::string a = argv[i];
+        auto value = [&](const char* what) -> std::string {
+            if (i + 1 >= argc) {
+                throw std::string("missing ") + what + " after " + a;
             }
+            return argv[++i];
+        };
+        if (a == "--plate") {
+            options.plate = value("a plate file");
+        } else if (a == "--background") {
+            options.background = value("a background file");
+        } else if (a == "--out") {
+            options.outputDir = value("a directory");
+        } else if (a == "--frame") {
+            const std::string text = value("a frame");
+            char* end = nullptr;
+            options.frame = std::strtod(text.c_str(), &end);
+            if (text.empty() || *end != '\0' || !std::isfinite(options.frame)) {
+                throw "bad frame \"" + text + "\"";
+            }
+        } else if (a == "--write") {
+            const std::string kind = value("an output kind");
+            const auto& kinds = BatchRender::getKinds();
+            if (std::find(kinds.begin(), kinds.end(), kind) == kinds.end()) {
+                throw "unknown output kind \"" + kind +
+                    "\" (source, matte, status, foreground or comp)";
+            }
+            options.outputs.emplace_back(kind, value("an output file"));
+        } else if (!a.empty() && a[0] != '-' && options.setup.empty()) {
+            options.setup = a;
+        } else {
+            throw "unexpected argument \"" + a + "\"";
         }
     }
-    HostPackages::shutdownAndUnload();
-    return status;
+    if (options.setup.empty()) {
+        throw std::string("--render needs a setup file");
+    }
+    if (options.plate.empty()) {
+        throw std::string("--render needs a plate (--plate FILE or --plate demo)");
+    }
+    if (options.outputs.empty()) {
+        throw std::string("--render writes nothing without --write KIND FILE");
+    }
+    return BatchRender::run(options, std::cout, std::cerr);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 2 && std::strcmp(argv[1], "--list-packages") == 0) {
-        const bool ok = HostPackages::loadAndStart(HostPackages::defaultModulePath());
-        HostPackages::printPackages(std::cout);
-        HostPackages::printRegistrations(std::cout, "after start-up");
-        HostPackages::shutdownAndUnload(&std::cout);
-        return ok ? 0 : 1;
-    }
-    Arguments args;
+    SessionRunArgs args;
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
         if (a == "--help" || a == "-h") {
             usage(std::cout);
             return 0;
         }
+        if (a == "--version") {
+            std::cout << "tessera-run " << TESSERA_VERSION << "\n";
+            return 0;
+        }
+    }
+    if (argc >= 2 && std::strcmp(argv[1], "--render") == 0) {
+        try {
+            return render(argc, argv);
+        } catch (const std::string& what) {
+            return badUsage(what);
+        }
+    }
+    if (argc == 2 && std::strcmp(argv[1], "--list-packages") == 0) {
+        args.listPackages = true;
+        return runSession(args);
+    }
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
         if (a == "--quiet") {
             args.quiet = true;
         } else if (a == "--out" && i + 1 < argc) {
             args.out = argv[++i];
             args.outGiven = true;
-        } else if (!a.empty() && a[0] != '-' && args.session.empty()) {
-            args.session = a;
+        } else if (!a.empty() && a[0] != '-' && *args.session == '\0') {
+            args.session = argv[i];
         } else {
-            std::cerr << "tessera-run: unexpected argument \"" << a << "\"\n";
-            usage(std::cerr);
-            return 2;
+            return badUsage("unexpected argument \"" + a + "\"");
         }
     }
-    // Headless: no display is needed, whatever the environment offers. A
-    // machine without a login session has no runtime directory: the
-    // toolkit gets a private one instead of a warning.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    }
-    if (qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) {
-        std::error_code ec;
-        const std::filesystem::path runtime = std::filesystem::temp_directory_path(ec) /
-                                              ("tessera-run-" + std::to_string(::getuid()));
-        std::filesystem::create_directories(runtime, ec);
-        std::filesystem::permissions(runtime, std::filesystem::perms::owner_all,
-                                     std::filesystem::perm_options::replace, ec);
-        if (!ec) {
-            qputenv("XDG_RUNTIME_DIR", QByteArray::fromStdString(runtime.string()));
-        }
-    }
-    return replay(args);
+    return runSession(args);
 }

@@ -126,3 +126,38 @@ TEST_F(TesseraRunScene, WithoutArgumentsTheDemoKeysTheDemoPlateAndWritesItsOutpu
 }
 
 } // namespace
+
+namespace {
+
+// A setup rendered with no window system: neither the program nor the
+// keyer's core needs an interface library, no platform plugin is asked for,
+// and the pixels are those a session writes from the same setup.
+TEST_F(TesseraRunScene, ASetupRendersWithNoWindowSystem) {
+    for (const std::string& binary :
+         {runner, std::string(TESSERA_BIN_DIR) + "/../lib/libZNtesseraCore.so"}) {
+        const Result needed = run("readelf -d " + binary);
+        ASSERT_EQ(needed.status, 0) << needed.out;
+        EXPECT_NE(needed.out.find("NEEDED"), std::string::npos);
+        EXPECT_EQ(needed.out.find("Qt"), std::string::npos) << binary << "\n" << needed.out;
+    }
+    const std::string s = script("key.tss", "plate demo 160 90\nset keyColor1 0.1 0.6 0.15\n"
+                                            "set overall 0.4\nsave key.tessera\n"
+                                            "write source plate.exr\nwrite matte matte.png\n");
+    ASSERT_EQ(run(runner + " --quiet --out " + dir.string() + " " + s).status, 0);
+    const std::string d = dir.string() + "/";
+    const Result render = run("env -u QT_QPA_PLATFORM -u DISPLAY -u WAYLAND_DISPLAY " + runner +
+                              " --render " + d + "key.tessera --plate " + d + "plate.exr --out " +
+                              d + "r --write matte matte.png --write foreground fg.exr");
+    ASSERT_EQ(render.status, 0) << render.out;
+    EXPECT_EQ(render.out.find("QStandardPaths"), std::string::npos) << render.out;
+    const Result same = run("idiff -a " + d + "matte.png " + d + "r/matte.png");
+    EXPECT_EQ(same.status, 0) << same.out;
+
+    const Result missing = run(runner + " --render " + d + "key.tessera --plate " + d +
+                               "none.exr --write matte " + d + "x.png");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.out.find(d + "none.exr"), std::string::npos) << missing.out;
+    EXPECT_EQ(run(runner + " --render " + d + "key.tessera --plate demo").status, 2);
+}
+
+} // namespace

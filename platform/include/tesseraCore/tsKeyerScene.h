@@ -50,6 +50,9 @@ public:
     // --- setups of the whole group (TsSetup); false and `error` on failure
     bool saveSetup(const std::string& path, std::string& error) const;
     bool loadSetup(const std::string& path, std::string& error);
+    // A setup opened on its own: the keyer becomes a new group of the
+    // setup's generation, with no history, loaded from it.
+    bool openSetup(const std::string& path, std::string& error);
 
 private:
     void wirePlates();

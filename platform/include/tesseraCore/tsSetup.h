@@ -49,4 +49,8 @@ public:
     static bool write(const PiNode& keyer, LiString& text, LiString* error = nullptr);
     static bool read(PiNode& keyer, const LiString& text, const LiString& source,
                      LiString* error = nullptr);
+
+    // The generation of the keyer group a setup text holds (1 or 2); 0 for
+    // the setup of a single keyer node, -1 for a text that is no setup.
+    static int getGeneration(const LiString& text);
 };

@@ -6,6 +6,8 @@
 #include <base/exReporter.h>
 
 #include <algorithm>
+#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -94,5 +96,18 @@ bool TsKeyerScene::loadSetup(const std::string& path, std::string& error) {
     }
     // Keyer nodes the setup added get the plate too.
     wirePlates();
+    return true;
+}
+
+bool TsKeyerScene::openSetup(const std::string& path, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    const int generation = TsSetup::getGeneration(text.str());
+    makeKeyer(generation == 2 ? 2 : 1, 1);
+    if (!loadSetup(path, error)) {
+        return false;
+    }
+    _graph->getCommandStack().clear();
     return true;
 }

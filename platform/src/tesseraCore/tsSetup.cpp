@@ -723,6 +723,15 @@ bool TsSetup::save(const PiNode& keyer, const LiString& path, LiString* error) {
     return true;
 }
 
+int TsSetup::getGeneration(const LiString& text) {
+    try {
+        const Setup setup = parse(text);
+        return setup.group ? setup.group->generation : 0;
+    } catch (const SetupError&) {
+        return -1;
+    }
+}
+
 bool TsSetup::read(PiNode& keyer, const LiString& text, const LiString& source, LiString* error) {
     return readSetup(keyer, text, source, error);
 }

@@ -1,0 +1,95 @@
+#include "batchRender.h"
+
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/render/tsViewRender.h>
+#include <tesseraCore/tsKeyerScene.h>
+
+#include <filesystem>
+#include <memory>
+#include <ostream>
+
+namespace {
+
+// The plate and the background: files, or the demo's (made once).
+class Sources {
+public:
+    PiImagePtr plate(const std::string& name, std::string& error) {
+        return name == "demo" ? demo().getPlate() : TsPlateIO::read(name, error);
+    }
+    PiImagePtr background(const std::string& name, std::string& error) {
+        return name == "demo" ? demo().getBackground() : TsPlateIO::read(name, error);
+    }
+
+private:
+    const TsDemoPlate& demo() {
+        if (!_demo) {
+            _demo = std::make_unique<TsDemoPlate>(TsDemoPlate::Options());
+        }
+        return *_demo;
+    }
+    std::unique_ptr<TsDemoPlate> _demo;
+};
+
+std::string outputPath(const std::string& dir, const std::string& file) {
+    std::filesystem::path p(file);
+    if (!p.is_absolute() && !dir.empty()) {
+        p = std::filesystem::path(dir) / p;
+    }
+    if (p.has_parent_path()) {
+        std::error_code ec;
+        std::filesystem::create_directories(p.parent_path(), ec);
+    }
+    return p.string();
+}
+
+} // namespace
+
+const std::vector<std::string>& BatchRender::getKinds() {
+    static const std::vector<std::string> kinds = {"source", "matte", "status", "foreground",
+                                                   "comp"};
+    return kinds;
+}
+
+int BatchRender::run(const Options& options, std::ostream& out, std::ostream& err) {
+    Sources sources;
+    TsKeyerScene scene;
+    std::string error;
+    const PiImagePtr plate = sources.plate(options.plate, error);
+    if (!plate) {
+        err << "tessera-run: " << error << "\n";
+        return 1;
+    }
+    scene.setPlate(plate, options.plate);
+    if (!options.background.empty()) {
+        const PiImagePtr background = sources.background(options.background, error);
+        if (!background) {
+            err << "tessera-run: " << error << "\n";
+            return 1;
+        }
+        scene.setBackground(background, options.background);
+    }
+    if (!scene.openSetup(options.setup, error)) {
+        err << "tessera-run: " << error << "\n";
+        return 1;
+    }
+    const RCShdPtr<TsKeyerNode> node = scene.getActiveNode();
+    if (!node) {
+        err << "tessera-run: " << options.setup << ": the setup holds no keyer node\n";
+        return 1;
+    }
+    for (const auto& [kind, file] : options.outputs) {
+        TsViewMode mode = TsViewMode::Composite;
+        if (kind != "comp") {
+            TsViewRender::parseView(kind, mode);
+        }
+        const PiImagePtr image = TsViewRender::render(*node, options.frame, mode);
+        const std::string path = outputPath(options.outputDir, file);
+        if (!image || !TsPlateIO::write(*image, path, error)) {
+            err << "tessera-run: " << (image ? error : "there is no plate to key") << "\n";
+            return 1;
+        }
+        out << kind << ": " << path << "\n";
+    }
+    return 0;
+}
