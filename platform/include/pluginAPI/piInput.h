@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <source_location>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -138,7 +139,9 @@ private:
     bool accepts(const PiValue& value) const;
     void constrain(PiValue& value) const;
     void notifyChanged();
-    [[noreturn]] void wrongType(int line, const char* expression) const;
+    // An assertion at the caller's place: a read or write of the wrong type.
+    [[noreturn]] void wrongType(const char* expression,
+                                std::source_location where = std::source_location::current()) const;
 
     LiString _name;
     PiValueType _type;
@@ -167,7 +170,7 @@ public:
 template <class T>
 T PiInput::getTypedValue(double time) const {
     if (_type != PiValueTypeOf<T>::value) {
-        wrongType(__LINE__, "_type == PiValueTypeOf<T>::value");
+        wrongType("_type == PiValueTypeOf<T>::value");
     }
     const auto& keys = _state.keys;
     if (keys.empty()) {

@@ -65,8 +65,7 @@ template <class T>
 CoAffineMatrixTyped<T> CoAffineMatrixTyped<T>::computeInverse() const {
     CoAffineMatrixTyped out;
     if (!computeInverse(out)) {
-        Assertions::throwAssertionFailed("platform/src/base/coAffineMatrixTyped.cpp", __LINE__,
-                                         "matrix is regular");
+        Assertions::fail("matrix is regular");
     }
     return out;
 }

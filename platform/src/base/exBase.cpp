@@ -38,3 +38,28 @@ void RCExUtil::throwExCastFailed(const char* from, const char* to) {
 void Assertions::throwAssertionFailed(const char* path, int line, const char* expression) {
     throw ExAssertionFailed(path ? path : "", line, expression ? expression : "");
 }
+
+void Assertions::fail(const char* expression, std::source_location where) {
+    throwAssertionFailed(projectPath(where.file_name()).c_str(), static_cast<int>(where.line()),
+                         expression);
+}
+
+std::string Assertions::projectPath(const char* file) {
+    std::string path = file ? file : "";
+    // The project's top folders; the last one named in an absolute path is
+    // where the project's part begins.
+    std::size_t from = std::string::npos;
+    for (const char* root : {"/platform/", "/tools/", "/apps/", "/tests/", "/bench/"}) {
+        const std::size_t at = path.rfind(root);
+        if (at != std::string::npos && (from == std::string::npos || at > from)) {
+            from = at + 1;
+        }
+    }
+    if (from != std::string::npos) {
+        return path.substr(from);
+    }
+    while (path.rfind("../", 0) == 0 || path.rfind("./", 0) == 0) {
+        path.erase(0, path[1] == '/' ? 2 : 3);
+    }
+    return path;
+}

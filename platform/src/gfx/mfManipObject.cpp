@@ -8,16 +8,14 @@ MfManipObject::MfManipObject(int pickTolerance)
 
 void MfManipObject::addAppearance(const RCShdPtr<MfAppearance>& appearance) {
     if (!appearance) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfManipObject.cpp", __LINE__,
-                                         "appearance");
+        Assertions::fail("appearance");
     }
     _appearances.push_back(appearance);
 }
 
 const RCShdPtr<MfAppearance>& MfManipObject::getAppearance(int index) const {
     if (index < 0 || index >= getAppearanceCount()) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfManipObject.cpp", __LINE__,
-                                         "index >= 0 && index < getAppearanceCount()");
+        Assertions::fail("index >= 0 && index < getAppearanceCount()");
     }
     return _appearances[static_cast<std::size_t>(index)];
 }

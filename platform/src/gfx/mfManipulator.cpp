@@ -17,8 +17,7 @@ MfManipulator::~MfManipulator() {
 void MfManipulator::addManipulator(const RCShdPtr<MfManipulator>& child) {
     MfManipulator& c = *child;
     if (c._parent || &c == this) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfManipulator.cpp", __LINE__,
-                                         "!child->getParent()");
+        Assertions::fail("!child->getParent()");
     }
     c._parent = this;
     _children.push_back(child);
@@ -26,16 +25,14 @@ void MfManipulator::addManipulator(const RCShdPtr<MfManipulator>& child) {
 
 const RCShdPtr<MfManipulator>& MfManipulator::getChild(int index) const {
     if (index < 0 || index >= getChildCount()) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfManipulator.cpp", __LINE__,
-                                         "index >= 0 && index < getChildCount()");
+        Assertions::fail("index >= 0 && index < getChildCount()");
     }
     return _children[static_cast<std::size_t>(index)];
 }
 
 void MfManipulator::setScalingBehaviour(int behaviour) {
     if (behaviour != 0 && behaviour != 1) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfManipulator.cpp", __LINE__,
-                                         "behaviour == 0 || behaviour == 1");
+        Assertions::fail("behaviour == 0 || behaviour == 1");
     }
     _scaling = behaviour;
 }
@@ -83,8 +80,7 @@ bool MfManipulator::acceptsGrasp(const EvEvent& event) const {
 
 void MfManipulator::setState(int state) {
     if (state < Active || state > Hidden) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfManipulator.cpp", __LINE__,
-                                         "state >= 0 && state <= 3");
+        Assertions::fail("state >= 0 && state <= 3");
     }
     _state = state;
 }

@@ -18,8 +18,7 @@ MfToolset::~MfToolset() {
 void MfToolset::appendTool(const std::string& name, const RCShdPtr<MfTool>& tool) {
     *tool; // a null tool throws ExNullPtr
     if (getTool(name)) {
-        Assertions::throwAssertionFailed("platform/src/gfx/mfToolset.cpp", __LINE__,
-                                         "!getTool(name)");
+        Assertions::fail("!getTool(name)");
     }
     _tools.emplace_back(name, tool);
     if (_current < 0) {

@@ -8,8 +8,6 @@
 
 namespace {
 
-const char* const sourcePath = "platform/src/pluginAPI/piCommandStack.cpp";
-
 // Records of the open step are found by a search from the most recent one
 // (a drag writes the same few inputs over and over); beyond this many an
 // index takes over.
@@ -162,7 +160,7 @@ std::size_t PiCommandStack::getMemoryUse() const {
 
 bool PiCommandStack::beginWrite(PiInput& input, std::uint64_t& epoch) {
     if (_replaying) {
-        Assertions::throwAssertionFailed(sourcePath, __LINE__, "!isReplaying()");
+        Assertions::fail("!isReplaying()");
     }
     bool own = false;
     if (!_open) {

@@ -9,8 +9,6 @@
 
 namespace {
 
-const char* const sourcePath = "platform/src/pluginAPI/piGroupNode.cpp";
-
 bool isWithin(const PiNode* node, const PiNode* ancestor) {
     for (const PiNode* n = node; n; n = n->getParent()) {
         if (n == ancestor) {
@@ -77,8 +75,7 @@ void PiGroupNode::addNode(const RCShdPtr<PiNode>& node) {
         RCExUtil::throwExNullPtr(typeNameOf<PiNode>().c_str());
     }
     if (node->_parent || isWithin(this, node.get())) {
-        Assertions::throwAssertionFailed(sourcePath, __LINE__,
-                                         "a node of no group, not containing the group");
+        Assertions::fail("a node of no group, not containing the group");
     }
     // A node takes its unique name as it enters: no rename event.
     static_cast<PiNode&>(*node)._name = makeUniqueName(node->getName());

@@ -9,8 +9,6 @@
 
 namespace {
 
-const char* const sourcePath = "platform/src/pluginAPI/piInput.cpp";
-
 bool sameKeys(const std::vector<PiAnimKey>& a, const std::vector<PiAnimKey>& b) {
     if (a.size() != b.size()) {
         return false;
@@ -249,7 +247,7 @@ PiCommandStack* PiInput::getCommandStack() const {
 
 bool PiInput::accepts(const PiValue& value) const {
     if (PiValueUtil::getType(value) != _type) {
-        wrongType(__LINE__, "value type == input type");
+        wrongType("value type == input type");
     }
     return PiValueUtil::isFinite(value);
 }
@@ -277,8 +275,8 @@ void PiInput::notifyChanged() {
     }
 }
 
-void PiInput::wrongType(int line, const char* expression) const {
-    Assertions::throwAssertionFailed(sourcePath, line, expression);
+void PiInput::wrongType(const char* expression, std::source_location where) const {
+    Assertions::fail(expression, where);
 }
 
 PiStructuredInput::PiStructuredInput(const LiString& name,

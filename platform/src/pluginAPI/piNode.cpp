@@ -9,11 +9,7 @@
 
 #include <optional>
 
-namespace {
-
-const char* const sourcePath = "platform/src/pluginAPI/piNode.cpp";
-
-} // namespace
+namespace {} // namespace
 
 PiNode::PiNode(const LiString& name)
     : _name(name)
@@ -72,7 +68,7 @@ void PiNode::setController(const RCShdPtr<PiNodeController>& controller) {
         RCExUtil::throwExNullPtr(typeNameOf<PiNodeController>().c_str());
     }
     if (controller->getNodePtr() && controller->getNodePtr() != this) {
-        Assertions::throwAssertionFailed(sourcePath, __LINE__, "controller of no other node");
+        Assertions::fail("controller of no other node");
     }
     _controller->attach(nullptr);
     _controller = controller;
@@ -93,8 +89,7 @@ void PiNode::addInput(const RCShdPtr<PiInput>& input) {
         RCExUtil::throwExNullPtr(typeNameOf<PiInput>().c_str());
     }
     if (input->getNode() || getInput(input->getName())) {
-        Assertions::throwAssertionFailed(sourcePath, __LINE__,
-                                         "input of no node, with a name new to this node");
+        Assertions::fail("input of no node, with a name new to this node");
     }
     _inputs.push_back(input);
     input->setNode(this);
@@ -103,7 +98,7 @@ void PiNode::addInput(const RCShdPtr<PiInput>& input) {
 void PiNode::removeInput(const RCShdPtr<PiInput>& input) {
     const auto it = std::find(_inputs.begin(), _inputs.end(), input);
     if (it == _inputs.end()) {
-        Assertions::throwAssertionFailed(sourcePath, __LINE__, "an input of this node");
+        Assertions::fail("an input of this node");
     }
     _inputs.erase(it);
     input->setNode(nullptr);

@@ -40,7 +40,7 @@ UiGrab& UiGrab::keyboard() {
 
 void UiGrab::grab(UiGrabHandler* handler) {
     if (!handler) {
-        Assertions::throwAssertionFailed("platform/src/ui/uiGrab.cpp", __LINE__, "handler");
+        Assertions::fail("handler");
     }
     if (_holder == handler) {
         return;

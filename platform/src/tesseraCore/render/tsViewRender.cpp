@@ -62,7 +62,7 @@ TsViewRenderer::TsViewRenderer(const RCShdPtr<const TsKeyerNode>& node)
 PiImagePtr TsViewRenderer::render(const std::string& view, double time, int width) {
     TsViewMode mode = TsViewMode::Composite;
     if (!TsViewRender::parseView(view, mode)) {
-        Assertions::throwAssertionFailed(__FILE__, __LINE__, "TsViewRender::parseView(view, mode)");
+        Assertions::fail("TsViewRender::parseView(view, mode)");
     }
     const TsKeyerNode& node = *_node;
     const Key key{revisionOf(node), time, mode, std::max(width, 0)};
