@@ -1,37 +1,13 @@
 #pragma once
 
 #include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsStageFactories.h>
 
 // The degrain stage of a keyer node: the degrain box (colours counted as
 // screen grain), its on/off flag, and the key colours it is arranged
 // against. Reached by casting the keyer node's controller.
-class TsDgInterface : public virtual PiNodeController {
+class TsDgInterface : public virtual PiNodeController, public TsStageFactories<TsDgInterface> {
 public:
-    using EhFactory = TsMgInterface::EhFactory;
-    using UiFactory = RCShdPtr<RCBase<LkCounter<int>>> (*)(TsDgInterface&,
-                                                           const RCShdPtr<PiWidget>&,
-                                                           const RCShdPtr<const PiTimePath>&);
-
-    // As TsMgInterface's registries, for the degrain stage.
-    static void registerEhFactory(EhFactory factory);
-    static void unregisterEhFactory(EhFactory factory);
-    static void registerUiFactory(UiFactory factory);
-    static void unregisterUiFactory(UiFactory factory);
-    static EhFactory getEhFactory();
-    static UiFactory getUiFactory();
-    template <class Handler = PiEventHandler>
-    static RCStrongPtr<Handler> createEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& node,
-                                                   const RCShdPtr<PiPath>& path) {
-        if (EhFactory f = requireEhFactory()) {
-            return f(viewer, node, path);
-        }
-        return RCStrongPtr<Handler>();
-    }
-    static EhFactory requireEhFactory();
-    static UiFactory requireUiFactory();
-    RCShdPtr<RCBase<LkCounter<int>>> createUi(const RCShdPtr<PiWidget>& widget,
-                                              const RCShdPtr<const PiTimePath>& timePath);
-
     // Element (row 0..2, column 0..3) of the degrain box matrix.
     virtual RCShdPtr<PiInput> getDegrainBoxInput(int row, int column) const = 0;
     // The on/off flag (bool).

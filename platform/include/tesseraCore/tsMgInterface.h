@@ -9,20 +9,18 @@
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piTimePath.h>
 #include <tesseraCore/tsMgTypes.h>
+#include <tesseraCore/tsStageFactories.h>
 #include <tesseraCore/tsTypes.h>
 
 #include <string>
 #include <vector>
 
-// Viewer and panel classes of the host: the factories hand them through.
-class PiViewer;
-class PiEventHandler;
-class PiWidget;
-
 // The matte-generation stage of a keyer node: its nine matte parameters, its
 // two key colours and its patches. Reached by casting the keyer node's
 // controller; the same controller implements TsDgInterface and
 // TsSpillBlendInterface.
+//
+// The factories of its viewer handler and its panel: TsStageFactories.
 //
 // Patches: a keyer node has getPatchCount() patches, named by its
 // patch-names input (one name per patch, in order); the current-patch input
@@ -30,44 +28,8 @@ class PiWidget;
 // edit. The inputs of the first patch exist from the start, so a tool can
 // bind to the current patch of a node that has no patch yet; they only take
 // effect once the patch exists.
-class TsMgInterface : public virtual PiNodeController {
+class TsMgInterface : public virtual PiNodeController, public TsStageFactories<TsMgInterface> {
 public:
-    // Factories the user-interface module registers at start-up.
-    using EhFactory = RCStrongPtr<PiEventHandler> (*)(PiViewer&, const RCShdPtr<PiNode>&,
-                                                      const RCShdPtr<PiPath>&);
-    using UiFactory = RCShdPtr<RCBase<LkCounter<int>>> (*)(TsMgInterface&,
-                                                           const RCShdPtr<PiWidget>&,
-                                                           const RCShdPtr<const PiTimePath>&);
-
-    // Registering a factory again is harmless; the factory registered last
-    // is used. Withdrawing a factory that is not registered does nothing.
-    static void registerEhFactory(EhFactory factory);
-    static void unregisterEhFactory(EhFactory factory);
-    static void registerUiFactory(UiFactory factory);
-    static void unregisterUiFactory(UiFactory factory);
-    static EhFactory getEhFactory();
-    static UiFactory getUiFactory();
-
-    // The viewer handler of the stage for a keyer node: what the registered
-    // factory makes. Without a factory: empty, and a report.
-    // The handler is made where PiEventHandler is a complete type (the
-    // template defers the body to the caller).
-    template <class Handler = PiEventHandler>
-    static RCStrongPtr<Handler> createEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& node,
-                                                   const RCShdPtr<PiPath>& path) {
-        if (EhFactory f = requireEhFactory()) {
-            return f(viewer, node, path);
-        }
-        return RCStrongPtr<Handler>();
-    }
-    // The registered factory, or null with a report.
-    static EhFactory requireEhFactory();
-    static UiFactory requireUiFactory();
-    // The stage panel's controller bound to `widget`. Without a factory:
-    // empty, and a report.
-    RCShdPtr<RCBase<LkCounter<int>>> createUi(const RCShdPtr<PiWidget>& widget,
-                                              const RCShdPtr<const PiTimePath>& timePath);
-
     // --- Inputs
     virtual RCShdPtr<PiInput> getMatteParamInput(TsMgTypes::MatteParam p) const = 0;
     virtual RCShdPtr<PiStructuredInput> getKeyColorInput(TsTypes::KeyColor k) const = 0;

@@ -1,38 +1,15 @@
 #pragma once
 
 #include <tesseraCore/tsMgInterface.h>
+#include <tesseraCore/tsStageFactories.h>
 
 // The spill-and-blend stage of a keyer node: spill suppression, the blend
 // with the background, and the spill edge balance. Reached by casting the
 // keyer node's controller. Its six inputs carry PiRangeInputPolicy<double>
 // bounds (all [0, 1]).
-class TsSpillBlendInterface : public virtual PiNodeController {
+class TsSpillBlendInterface : public virtual PiNodeController,
+                              public TsStageFactories<TsSpillBlendInterface> {
 public:
-    using EhFactory = TsMgInterface::EhFactory;
-    using UiFactory = RCShdPtr<RCBase<LkCounter<int>>> (*)(TsSpillBlendInterface&,
-                                                           const RCShdPtr<PiWidget>&,
-                                                           const RCShdPtr<const PiTimePath>&);
-
-    // As TsMgInterface's registries, for the spill-and-blend stage.
-    static void registerEhFactory(EhFactory factory);
-    static void unregisterEhFactory(EhFactory factory);
-    static void registerUiFactory(UiFactory factory);
-    static void unregisterUiFactory(UiFactory factory);
-    static EhFactory getEhFactory();
-    static UiFactory getUiFactory();
-    template <class Handler = PiEventHandler>
-    static RCStrongPtr<Handler> createEventHandler(PiViewer& viewer, const RCShdPtr<PiNode>& node,
-                                                   const RCShdPtr<PiPath>& path) {
-        if (EhFactory f = requireEhFactory()) {
-            return f(viewer, node, path);
-        }
-        return RCStrongPtr<Handler>();
-    }
-    static EhFactory requireEhFactory();
-    static UiFactory requireUiFactory();
-    RCShdPtr<RCBase<LkCounter<int>>> createUi(const RCShdPtr<PiWidget>& widget,
-                                              const RCShdPtr<const PiTimePath>& timePath);
-
     // Spill: 0 the amount ("spill.amount"), 1 the range ("spill.range").
     virtual RCShdPtr<PiInput> getSpillInput(int index) const = 0;
     // Blend: 0 the amount ("blend.amount"), 1 the width ("blend.width").

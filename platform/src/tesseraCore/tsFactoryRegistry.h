@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 // The factories registered for one purpose (a stage's viewer handler, a
@@ -12,8 +13,8 @@
 template <class Factory>
 class TsFactoryRegistry {
 public:
-    explicit TsFactoryRegistry(const char* purpose)
-        : _purpose(purpose) {}
+    explicit TsFactoryRegistry(std::string purpose)
+        : _purpose(std::move(purpose)) {}
 
     void add(Factory f) {
         if (!f) {
@@ -30,13 +31,13 @@ public:
         Factory f = get();
         if (!f) {
             ExReporter::getInstance().report(
-                "keyer", std::string("no factory registered for ") + _purpose +
+                "keyer", "no factory registered for " + _purpose +
                              ": is the keyer's user-interface module loaded and started?");
         }
         return f;
     }
 
 private:
-    const char* _purpose;
+    std::string _purpose;
     std::vector<Factory> _factories;
 };

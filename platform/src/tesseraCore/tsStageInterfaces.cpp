@@ -10,23 +10,38 @@
 
 namespace {
 
+// What each stage's factories are for, in reports.
+template <class Stage>
+const char* stageName();
+template <>
+const char* stageName<TsMgInterface>() {
+    return "the matte-generation";
+}
+template <>
+const char* stageName<TsDgInterface>() {
+    return "the degrain";
+}
+template <>
+const char* stageName<TsSpillBlendInterface>() {
+    return "the spill-and-blend";
+}
+
 // Function-local registries: the module registers from its start-up hook, but
 // nothing forbids an earlier static initialiser. The stages' viewer-handler
-// factories share a type, so each registry is its own object.
-#define TS_REGISTRY(function, type, purpose)                                                       \
-    TsFactoryRegistry<type>& function() {                                                          \
-        static TsFactoryRegistry<type> r(purpose);                                                 \
-        return r;                                                                                  \
-    }
+// factories share a type, so each stage has registries of its own.
+template <class Stage>
+TsFactoryRegistry<typename TsStageFactories<Stage>::EhFactory>& handlers() {
+    static TsFactoryRegistry<typename TsStageFactories<Stage>::EhFactory> r(
+        std::string(stageName<Stage>()) + " viewer handler");
+    return r;
+}
 
-TS_REGISTRY(mgEh, TsMgInterface::EhFactory, "the matte-generation viewer handler")
-TS_REGISTRY(mgUi, TsMgInterface::UiFactory, "the matte-generation panel")
-TS_REGISTRY(dgEh, TsDgInterface::EhFactory, "the degrain viewer handler")
-TS_REGISTRY(dgUi, TsDgInterface::UiFactory, "the degrain panel")
-TS_REGISTRY(sbEh, TsSpillBlendInterface::EhFactory, "the spill-and-blend viewer handler")
-TS_REGISTRY(sbUi, TsSpillBlendInterface::UiFactory, "the spill-and-blend panel")
-
-#undef TS_REGISTRY
+template <class Stage>
+TsFactoryRegistry<typename TsStageFactories<Stage>::UiFactory>& panels() {
+    static TsFactoryRegistry<typename TsStageFactories<Stage>::UiFactory> r(
+        std::string(stageName<Stage>()) + " panel");
+    return r;
+}
 
 TsGroupInterface::InstanceDataFactory instanceData1 = nullptr;
 TsGroupInterface::InstanceDataFactory instanceData3 = nullptr;
@@ -43,119 +58,54 @@ TsGroupInterface::InstanceDataFactory require(TsGroupInterface::InstanceDataFact
 
 } // namespace
 
-// --- Matte generation
+// --- The stages
 
-void TsMgInterface::registerEhFactory(EhFactory f) {
-    mgEh().add(f);
+template <class Stage>
+void TsStageFactories<Stage>::registerEhFactory(EhFactory f) {
+    handlers<Stage>().add(f);
 }
-void TsMgInterface::unregisterEhFactory(EhFactory f) {
-    mgEh().remove(f);
+template <class Stage>
+void TsStageFactories<Stage>::unregisterEhFactory(EhFactory f) {
+    handlers<Stage>().remove(f);
 }
-void TsMgInterface::registerUiFactory(UiFactory f) {
-    mgUi().add(f);
+template <class Stage>
+void TsStageFactories<Stage>::registerUiFactory(UiFactory f) {
+    panels<Stage>().add(f);
 }
-void TsMgInterface::unregisterUiFactory(UiFactory f) {
-    mgUi().remove(f);
+template <class Stage>
+void TsStageFactories<Stage>::unregisterUiFactory(UiFactory f) {
+    panels<Stage>().remove(f);
 }
-TsMgInterface::EhFactory TsMgInterface::getEhFactory() {
-    return mgEh().get();
+template <class Stage>
+typename TsStageFactories<Stage>::EhFactory TsStageFactories<Stage>::getEhFactory() {
+    return handlers<Stage>().get();
 }
-TsMgInterface::UiFactory TsMgInterface::getUiFactory() {
-    return mgUi().get();
+template <class Stage>
+typename TsStageFactories<Stage>::UiFactory TsStageFactories<Stage>::getUiFactory() {
+    return panels<Stage>().get();
+}
+template <class Stage>
+typename TsStageFactories<Stage>::EhFactory TsStageFactories<Stage>::requireEhFactory() {
+    return handlers<Stage>().require();
+}
+template <class Stage>
+typename TsStageFactories<Stage>::UiFactory TsStageFactories<Stage>::requireUiFactory() {
+    return panels<Stage>().require();
 }
 
-TsMgInterface::UiFactory TsMgInterface::requireUiFactory() {
-    return mgUi().require();
-}
-
-TsMgInterface::EhFactory TsMgInterface::requireEhFactory() {
-    return mgEh().require();
-}
-
+template <class Stage>
 RCShdPtr<RCBase<LkCounter<int>>>
-TsMgInterface::createUi(const RCShdPtr<PiWidget>& widget,
-                        const RCShdPtr<const PiTimePath>& timePath) {
+TsStageFactories<Stage>::createUi(const RCShdPtr<PiWidget>& widget,
+                                  const RCShdPtr<const PiTimePath>& timePath) {
     if (UiFactory f = requireUiFactory()) {
-        return f(*this, widget, timePath);
+        return f(static_cast<Stage&>(*this), widget, timePath);
     }
     return RCShdPtr<RCBase<LkCounter<int>>>();
 }
 
-// --- Degrain
-
-void TsDgInterface::registerEhFactory(EhFactory f) {
-    dgEh().add(f);
-}
-void TsDgInterface::unregisterEhFactory(EhFactory f) {
-    dgEh().remove(f);
-}
-void TsDgInterface::registerUiFactory(UiFactory f) {
-    dgUi().add(f);
-}
-void TsDgInterface::unregisterUiFactory(UiFactory f) {
-    dgUi().remove(f);
-}
-TsDgInterface::EhFactory TsDgInterface::getEhFactory() {
-    return dgEh().get();
-}
-TsDgInterface::UiFactory TsDgInterface::getUiFactory() {
-    return dgUi().get();
-}
-
-TsDgInterface::UiFactory TsDgInterface::requireUiFactory() {
-    return dgUi().require();
-}
-
-TsDgInterface::EhFactory TsDgInterface::requireEhFactory() {
-    return dgEh().require();
-}
-
-RCShdPtr<RCBase<LkCounter<int>>>
-TsDgInterface::createUi(const RCShdPtr<PiWidget>& widget,
-                        const RCShdPtr<const PiTimePath>& timePath) {
-    if (UiFactory f = requireUiFactory()) {
-        return f(*this, widget, timePath);
-    }
-    return RCShdPtr<RCBase<LkCounter<int>>>();
-}
-
-// --- Spill and blend
-
-void TsSpillBlendInterface::registerEhFactory(EhFactory f) {
-    sbEh().add(f);
-}
-void TsSpillBlendInterface::unregisterEhFactory(EhFactory f) {
-    sbEh().remove(f);
-}
-void TsSpillBlendInterface::registerUiFactory(UiFactory f) {
-    sbUi().add(f);
-}
-void TsSpillBlendInterface::unregisterUiFactory(UiFactory f) {
-    sbUi().remove(f);
-}
-TsSpillBlendInterface::EhFactory TsSpillBlendInterface::getEhFactory() {
-    return sbEh().get();
-}
-TsSpillBlendInterface::UiFactory TsSpillBlendInterface::getUiFactory() {
-    return sbUi().get();
-}
-
-TsSpillBlendInterface::UiFactory TsSpillBlendInterface::requireUiFactory() {
-    return sbUi().require();
-}
-
-TsSpillBlendInterface::EhFactory TsSpillBlendInterface::requireEhFactory() {
-    return sbEh().require();
-}
-
-RCShdPtr<RCBase<LkCounter<int>>>
-TsSpillBlendInterface::createUi(const RCShdPtr<PiWidget>& widget,
-                                const RCShdPtr<const PiTimePath>& timePath) {
-    if (UiFactory f = requireUiFactory()) {
-        return f(*this, widget, timePath);
-    }
-    return RCShdPtr<RCBase<LkCounter<int>>>();
-}
+template class TsStageFactories<TsMgInterface>;
+template class TsStageFactories<TsDgInterface>;
+template class TsStageFactories<TsSpillBlendInterface>;
 
 // --- The two group generations
 
