@@ -1,20 +1,13 @@
-#include <pluginAPI/piGraph.h>
 #include <tesseraCore/tsDgInterface.h>
-#include <tesseraCore/tsDgTool.h>
 #include <tesseraCore/tsInterface.h>
 #include <tesseraCore/tsInterface3.h>
-#include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsMgInterface.h>
-#include <tesseraCore/tsMgTool.h>
 #include <tesseraCore/tsSpillBlendInterface.h>
-#include <tesseraCore/tsSpillBlendTool.h>
 
 #include <base/exReporter.h>
-#include <base/rcCast.h>
 
 #include <gtest/gtest.h>
 
-#include <set>
 #include <string>
 
 namespace {
@@ -88,44 +81,6 @@ TEST_F(KeyerFactories, InstanceDataFactoriesAreOnePerGeneration) {
     EXPECT_EQ(TsInterface3::getInstanceDataFactory(), nullptr);
     TsInterface::setInstanceDataFactory(nullptr);
     EXPECT_EQ(TsInterface::getInstanceDataFactory(), nullptr);
-}
-
-TEST(KeyerToolNames, AreReadableAndDistinctWithinEachStage) {
-    auto check = [](auto name, int count) {
-        std::set<std::string> seen;
-        for (int i = 0; i < count; ++i) {
-            const std::string& n = name(i);
-            EXPECT_GT(n.size(), 3u);
-            EXPECT_TRUE(seen.insert(n).second) << n;
-        }
-        EXPECT_EQ(name(count), "");
-        EXPECT_EQ(name(-1), "");
-    };
-    check(TsMgTool::getManipToolName, TsMgTool::ManipToolCount);
-    check(TsDgTool::getManipToolName, TsDgTool::ManipToolCount);
-    check(TsSpillBlendTool::getManipToolName, TsSpillBlendTool::ManipToolCount);
-    EXPECT_EQ(TsMgTool::getManipToolName(2), "Sample Matte");
-    EXPECT_EQ(TsSpillBlendTool::getManipToolName(3), "Adjust Blend");
-    // The main panel's menu lists tools of all stages by name: they must differ.
-    std::set<std::string> menu{TsMgTool::getManipToolName(2), TsMgTool::getManipToolName(3),
-                               TsDgTool::getManipToolName(2), TsSpillBlendTool::getManipToolName(2),
-                               TsSpillBlendTool::getManipToolName(3)};
-    EXPECT_EQ(menu.size(), 5u);
-}
-
-TEST(KeyerToolNames, MatteParametersIterateInOrderWithNamesAndInputs) {
-    int count = 0;
-    auto node = TsKeyerNode::create("k");
-    for (auto p = TsMgTypes::Overall; p < TsMgTypes::MatteParamCount; p = TsMgTypes::next(p)) {
-        EXPECT_FALSE(TsMgTool::getMatteParamName(p).empty());
-        EXPECT_TRUE(node->getInput(TsMgTool::getMatteParamInputName(p)));
-        ++count;
-    }
-    EXPECT_EQ(count, 9);
-    EXPECT_EQ(TsMgTool::getMatteParamName(TsMgTypes::KeyBlend), "Key Blend");
-    EXPECT_EQ(TsTypes::otherKeyColor(TsTypes::KeyColor1), TsTypes::KeyColor2);
-    EXPECT_EQ(TsTypes::otherKeyColor(TsTypes::KeyColor2), TsTypes::KeyColor1);
-    EXPECT_LT(TsMgTool::getMatteParamMin(), TsMgTool::getMatteParamMax());
 }
 
 } // namespace
