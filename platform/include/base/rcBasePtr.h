@@ -68,13 +68,12 @@ public:
 
     // Writes, on one line: the pointee's dynamic type (or "null"), the static
     // type T, the reference count, the pointee's address and the address of
-    // its counted base.
+    // its counted base (the RCBase<...> part, which holds the count).
     void dump(std::ostream& os) const {
-        const RCCounted* base = _p ? static_cast<const RCCounted*>(_p) : nullptr;
+        const RCCounted* counted = _p ? static_cast<const RCCounted*>(_p) : nullptr;
         os << "Pointee type = " << (_p ? dynamicTypeNameOf(*_p) : std::string("null"))
-           << ", T type = " << typeNameOf<T>() << ", ref: " << (base ? base->rcCount() : 0)
-           << ", pointer:" << static_cast<const void*>(_p)
-           << ", RCBase pointer: " << static_cast<const void*>(base);
+           << ", T type = " << typeNameOf<T>() << ", ref: " << (counted ? counted->rcCount() : 0)
+           << ", pointer:" << static_cast<const void*>(_p) << ", RCBase pointer: " << countedBase();
     }
 
     template <class U>
@@ -84,6 +83,21 @@ public:
     bool operator==(std::nullptr_t) const noexcept { return _p == nullptr; }
 
 private:
+    // The RCBase<...> subobject of the pointee; its counted root when it
+    // derives from no single one.
+    const void* countedBase() const noexcept {
+        if (!_p) {
+            return nullptr;
+        }
+        if constexpr (std::is_convertible_v<const T*, const RCBase<LkCounter<int>>*>) {
+            return static_cast<const RCBase<LkCounter<int>>*>(_p);
+        } else if constexpr (std::is_convertible_v<const T*, const RCBase<int>*>) {
+            return static_cast<const RCBase<int>*>(_p);
+        } else {
+            return static_cast<const RCCounted*>(_p);
+        }
+    }
+
     void addRef() const noexcept {
         if (_p) {
             static_cast<const RCCounted*>(_p)->rcAddRef();
