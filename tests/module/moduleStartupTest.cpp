@@ -1,6 +1,8 @@
 #include "tesseraUiZnmoduleInit.h"
 
 #include <base/exReporter.h>
+#include <base/inBuildInfoUtil.h>
+#include <base/inPackageManager.h>
 #include <resmgt/msgFileGuard.h>
 #include <resmgt/msgServer.h>
 #include <tesseraCore/tsDgInterface.h>
@@ -13,6 +15,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
@@ -65,9 +68,9 @@ std::vector<std::string> minus(const std::vector<std::string>& a,
 using Changes = std::vector<std::pair<std::string, std::string>>; // source, registration
 
 // The module as the host started it: every initialiser of the table has run
-// once. The tests below run the finalisers and initialisers of the table
-// again, one source at a time, and watch the keyer's registries change; they
-// leave the module started as they found it.
+// once. The tests below shut it down and start it again, through the
+// package's own hooks or one source at a time, and watch the keyer's
+// registries change; they leave the module started as they found it.
 class ModuleStartup : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -94,19 +97,6 @@ protected:
             EXPECT_TRUE(minus(held(), before).empty()) << table[i].source;
         }
         return withdrawn;
-    }
-    // Start-up: the initialisers in order, with the catalogue open.
-    Changes startUp() {
-        Changes registered;
-        const MsgFileGuard guard("tessera.msg");
-        for (int i = 0; i < count; ++i) {
-            const std::vector<std::string> before = held();
-            table[i].init();
-            for (const std::string& name : minus(held(), before)) {
-                registered.emplace_back(table[i].source, name);
-            }
-        }
-        return registered;
     }
 
     const TsModuleInitialiser* table = nullptr;
@@ -158,28 +148,42 @@ TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesThe
     EXPECT_EQ(TsInterface::getInstanceDataFactory(), mainPanel);
     EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanel3);
 
-    // Started again (the instance-data factories cleared first, to see them
-    // come back): each source registers its factory in table order.
+    // The package's own hooks, as the host runs them: shut down and started
+    // again (the instance-data factories cleared first, to see them come
+    // back), with the catalogue let go afterwards.
     TsInterface::setInstanceDataFactory(nullptr);
     TsInterface3::setInstanceDataFactory(nullptr);
-    EXPECT_EQ(startUp(), (Changes{{"tsMgEventHandler", "matte handler"},
-                                  {"tsMgUi", "matte panel"},
-                                  {"tsDgEventHandler", "degrain handler"},
-                                  {"tsDgUi", "degrain panel"},
-                                  {"tsSpillBlendEventHandler", "spill handler"},
-                                  {"tsSpillBlendUi", "spill panel"},
-                                  {"tsUiImp", "main panel"},
-                                  {"tsUiImp3", "main panel 3"}}));
+    const std::size_t catalogues = MsgServer::getInstance().openCatalogueCount();
+    EXPECT_TRUE(InPackageManager::getInstance().restart("tesseraUiZnmodule"));
+    EXPECT_EQ(held().size(), registrations().size());
     EXPECT_EQ(TsMgInterface::getEhFactory(), mgEh);
     EXPECT_EQ(TsInterface::getInstanceDataFactory(), mainPanel);
     EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanel3);
+    EXPECT_EQ(MsgServer::getInstance().openCatalogueCount(), catalogues);
+    EXPECT_EQ(InBuildInfoUtil::listFor("tesseraUiZnmodule").size(), 1u);
 }
 
 TEST_F(ModuleStartup, StartingTwiceIsHarmless) {
     const std::vector<std::string> ids = MsgServer::getInstance().getRegisteredIds();
-    EXPECT_TRUE(startUp().empty()); // everything already held
+    tsModuleStartUp(table, count); // everything already held
     EXPECT_EQ(MsgServer::getInstance().getRegisteredIds(), ids);
     EXPECT_EQ(held().size(), registrations().size());
+}
+
+// An initialiser that throws: the exception goes on, the catalogue is let
+// go, what ran before stays registered and what comes after does not run.
+TEST_F(ModuleStartup, AnInitialiserThatThrowsStopsTheStartUpAndLetsTheCatalogueGo) {
+    static std::vector<std::string> ran;
+    ran.clear();
+    const TsModuleInitialiser failing[] = {
+        {"first", [] { ran.push_back("first"); }, [] {}},
+        {"broken", [] { throw std::runtime_error("broken initialiser"); }, [] {}},
+        {"last", [] { ran.push_back("last"); }, [] {}},
+    };
+    const std::size_t catalogues = MsgServer::getInstance().openCatalogueCount();
+    EXPECT_THROW(tsModuleStartUp(failing, 3), std::runtime_error);
+    EXPECT_EQ(ran, std::vector<std::string>{"first"});
+    EXPECT_EQ(MsgServer::getInstance().openCatalogueCount(), catalogues);
 }
 
 } // namespace

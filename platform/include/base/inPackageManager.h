@@ -49,6 +49,11 @@ public:
     int startAll();
     // Shuts down every started package, the last started first.
     void shutdownAll();
+    // Shuts one started package down and starts it again (a plugin picking
+    // up changed resources); its dependencies stay as they are, and its
+    // build information is registered anew. False, reported, when the
+    // package is not started or does not start again.
+    bool restart(const std::string& name);
 
     State getState(const std::string& name) const;
     // Packages in start order, then those that did not start in registration

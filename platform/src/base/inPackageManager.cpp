@@ -218,6 +218,30 @@ void InPackageManager::shutdownAll() {
     }
 }
 
+bool InPackageManager::restart(const std::string& name) {
+    Record* record = nullptr;
+    for (const auto& r : _records) {
+        if (name == r->package->getName()) {
+            record = r.get();
+        }
+    }
+    if (!record || record->state != State::Started) {
+        ExReporter::getInstance().report("package " + name, "cannot restart a package that has "
+                                                            "not started");
+        return false;
+    }
+    InPackageInit* package = record->package;
+    std::erase(_started, package);
+    exContain("package " + name, [&] {
+        package->shutdown();
+        package->postShutdown();
+    });
+    record->state = State::Stopped;
+    InBuildInfoUtil::dropFor(name);
+    std::vector<Record*> path;
+    return start(*record, path);
+}
+
 InPackageManager::State InPackageManager::getState(const std::string& name) const {
     for (const auto& r : _records) {
         if (name == r->package->getName()) {

@@ -76,15 +76,19 @@ const TsModuleInitialiser* tsModuleInitialisers(int& count) {
     return initialisers;
 }
 
-template <>
-void InInit<ZnInit::tesseraUiZnmodule>::startup() {
-    InBuildInfoUtil::registerInfo(OPtr<InBuildInfo>(new (std::nothrow) LibraryBuildInfo));
+void tsModuleStartUp(const TsModuleInitialiser* table, int count) {
     const MsgFileGuard guard("tessera.msg");
-    int count = 0;
-    const TsModuleInitialiser* table = tsModuleInitialisers(count);
     for (int i = 0; i < count; ++i) {
         table[i].init();
     }
+}
+
+template <>
+void InInit<ZnInit::tesseraUiZnmodule>::startup() {
+    InBuildInfoUtil::registerInfo(OPtr<InBuildInfo>(new (std::nothrow) LibraryBuildInfo));
+    int count = 0;
+    const TsModuleInitialiser* table = tsModuleInitialisers(count);
+    tsModuleStartUp(table, count);
 }
 
 template <>

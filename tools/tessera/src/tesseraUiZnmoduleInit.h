@@ -16,3 +16,10 @@ struct TsModuleInitialiser {
 
 // The table, in start-up order (shut-down runs it backwards).
 const TsModuleInitialiser* tsModuleInitialisers(int& count);
+
+// What the start-up hook does after registering the build information: runs
+// the first `count` initialisers of `table`, in order, with the message
+// catalogue held open. The catalogue is let go also when an initialiser
+// throws; the exception goes on to the host, and the initialisers that ran
+// before stay registered.
+void tsModuleStartUp(const TsModuleInitialiser* table, int count);

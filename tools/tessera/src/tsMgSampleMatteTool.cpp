@@ -234,6 +234,9 @@ void TsMgSampleMatteToolImp::sample(const PiEventContext& context) {
     if (!_imgPick.accepts(context)) {
         return;
     }
+    // Shown from here on, also when the pick below fails: the column then
+    // shows as it stood.
+    _sampleShown = true;
     const GePoint2<float> world =
         VwUtils::windowToWorldOrtho(_viewer.getView(), context.getDeviceEvent().getCoord());
     _x = world.x;
@@ -247,9 +250,6 @@ void TsMgSampleMatteToolImp::sample(const PiEventContext& context) {
     if (!_imgPick.pickColors(rect, colors)) {
         Assertions::throwAssertionFailed(sourcePath, 563, "_imgPick.pickColors( rect, colors )");
     }
-    // Shown only once there is something to show: a pick that failed leaves
-    // the column as it was.
-    _sampleShown = true;
 
     const CoRgbColorTyped<float> keyColor = _values->getBlendedKeyColor();
     const float intrusion =
