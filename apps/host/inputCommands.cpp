@@ -26,11 +26,11 @@ void InputCommands::add(SessionInterpreter& interpreter) {
                                 : input->setValue(s.getFrame(), value);
             });
             if (!written) {
+                const std::string why = asKey && !input->isAnimatable()
+                                            ? std::string("it does not animate")
+                                            : input->getRefusal(value);
                 throw SessionArgs::Error("input \"" + input->getName() + "\" refused the value" +
-                                         (input->isLocked() ? " (it is locked)"
-                                          : asKey && !input->isAnimatable()
-                                              ? " (it does not animate)"
-                                              : ""));
+                                         (why.empty() ? "" : " (" + why + ")"));
             }
         };
     };

@@ -84,17 +84,29 @@ TEST_F(InputViews, ChangedHandlersFollowTheInputUpdateHandlersTheTime) {
     EXPECT_EQ(changed, 1);
 }
 
-TEST_F(InputViews, RefusedWritesChangeNothingAndNotifyNobody) {
+// A refused write changes nothing; what shows the value hears of the value
+// kept, once the step under way closes (a drag's, here).
+TEST_F(InputViews, RefusedWritesChangeNothingAndAnnounceTheValueKept) {
     auto view = PiInputValue<double>::createTyped(softness, timePath);
     view->addValueChangedCb(&changedCb);
     const PiInputState before = softness->getState();
+    changed = 0;
     EXPECT_FALSE(view->setValue(std::numeric_limits<double>::quiet_NaN()));
+    EXPECT_EQ(changed, 1);
     softness->setLocked(true);
     changed = 0;
     EXPECT_TRUE(view->isLocked());
-    EXPECT_FALSE(view->setValue(0.1));
-    EXPECT_EQ(changed, 0);
+    PiCommandStack& stack = node->getGraph()->getCommandStack();
+    {
+        const PiUndoGuard drag(stack, "drag");
+        EXPECT_FALSE(view->setValue(0.1));
+        EXPECT_FALSE(view->setValue(0.2));
+        EXPECT_EQ(changed, 0);
+    }
+    EXPECT_EQ(changed, 1);
+    EXPECT_FALSE(stack.isStepOpen());
     EXPECT_TRUE(softness->getState().keys.size() == before.keys.size());
+    EXPECT_EQ(view->getValue(), softness->getTypedValue<double>(view->getTime()));
 }
 
 TEST_F(InputViews, ViewsOfAnotherKindOrOfNothingAreRefused) {

@@ -37,12 +37,12 @@ private:
 //
 // Recording. Every change to an input of the graph is recorded into the open
 // step. A change made when no step is open makes a step of its own, named
-// after the input. Within a step each input has one record that keeps the
-// state before the step's first change of it and, once the step closes, the
-// state after its last change (animation keys and lock included), so a drag
-// of ten thousand writes holds as much memory as a drag of one. Closing a
-// step drops the records of inputs that ended as they began, and the step
-// itself when none is left; a new step discards the steps that were undone.
+// after the input (unless the node names what the change means: nameStep). Within a step each input
+// has one record that keeps the state before the step's first change of it and, once the step
+// closes, the state after its last change (animation keys and lock included), so a drag of ten
+// thousand writes holds as much memory as a drag of one. Closing a step drops the records of inputs
+// that ended as they began, and the step itself when none is left; a new step discards the steps
+// that were undone.
 //
 // Structure. A change that is not an input's is recorded with the functions
 // that undo and redo it (recordChange), in its place among the step's inputs.
@@ -123,6 +123,14 @@ public:
     // open; undo and redo make it again (they are called while the stack
     // replays, when nothing is recorded). Ignored while a step is replayed.
     void recordChange(const LiString& name, std::function<void()> undo, std::function<void()> redo);
+    // For the graph's nodes: names the open step after what an edit of an
+    // input means to the node (a names edit that adds patches is "New
+    // Patch"), when only the input has named it.
+    void nameStep(const LiString& name);
+
+    // For PiInput: the input refused a write in the open step; its
+    // value-changed handlers are called once the step has closed.
+    void announceWhenClosed(PiInput& input);
 
 private:
     friend class PiUndoGuard;
@@ -141,6 +149,7 @@ private:
     struct Step {
         LiString name;
         std::vector<Record> records;
+        bool namedByInput = false; // the name is the first input's
     };
 
     // Guards: begin answers the epoch the guard belongs to; end ignores a
@@ -149,6 +158,7 @@ private:
     void endGuard(std::uint64_t epoch);
     void open(const LiString& name);
     void close();
+    void closeStep();
     void replay(const Step& step, bool forward);
     void notify() { _changed.call(); }
     Record* findRecord(const PiInput& input);
@@ -166,6 +176,8 @@ private:
     int _depth = 0;     // live guards (and writes) in the open step
     std::uint64_t _epoch = 0;
     bool _replaying = false;
+    // Inputs that refused a write in the open step.
+    std::vector<RCShdPtr<PiInput>> _refused;
 
     CbDispatcher<CbEmptyType> _changed;
 };

@@ -48,10 +48,13 @@ struct PiInputState {
 // Writing: every change goes through the command stack of the graph that
 // holds the input's node (PiCommandStack), so it is undoable; an input of a
 // node outside any graph changes without history. A write to a locked input,
-// or of a value that is not finite, is refused (the edit answers false and
-// nothing changes). Numbers are clamped into the input's range policy. A
-// write that leaves the input as it was succeeds and changes nothing (no
-// callbacks).
+// of a value that is not finite, or of one the node's controller refuses
+// (PiNodeController::getValueRefusal), is refused: the edit answers false
+// and nothing changes, and the input's value-changed handlers are called as
+// after a change once the step under way closes (at once when none is
+// open), so that whatever showed the value asked for shows the input's
+// again. Numbers are clamped into the input's range policy. A write that
+// leaves the input as it was succeeds and changes nothing (no callbacks).
 //
 // After every change (an edit, an undo, a redo, a load) the node's controller
 // is told, then the input's value-changed handlers are called, then the node
@@ -105,10 +108,14 @@ public:
     // Locking is an edit too (undoable, saved with setups). A locked input
     // refuses value edits until unlocked.
     void setLocked(bool locked);
-    // Replaces the whole state (a setup being loaded): the current lock does
-    // not refuse it. False when a value is of the wrong type or not finite, or
-    // the keys are not in strictly increasing time.
+    // Replaces the whole state (a setup being loaded): neither the current
+    // lock nor the controller refuses it. False when a value is of the wrong
+    // type or not finite, or the keys are not in strictly increasing time.
     bool setState(const PiInputState& state);
+    // Why an edit writing `value` would be refused, or "" when it would be
+    // taken: the input is locked, the value is not finite, or the node's
+    // controller refuses it.
+    LiString getRefusal(const PiValue& value) const;
 
     // Used by the command stack to undo and redo: puts the state back without
     // recording anything, then notifies as an edit does.
@@ -133,10 +140,15 @@ public:
 
 private:
     friend class PiNode;
+    friend class PiCommandStack;
     class Edit;
 
     void setNode(PiNode* node) { _node = node; }
     bool accepts(const PiValue& value) const;
+    // A write was refused: announced when the step under way closes.
+    void refused();
+    // The value-changed handlers, called without a change.
+    void announce() { _valueChanged.call(); }
     void constrain(PiValue& value) const;
     void notifyChanged();
     // An assertion at the caller's place: a read or write of the wrong type.

@@ -4,6 +4,8 @@
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piNodeEvent.h>
+#include <pluginAPI/piValue.h>
+#include <resmgt/liString.h>
 
 #include <memory>
 #include <typeindex>
@@ -49,6 +51,12 @@ public:
     // Calls the handlers registered for the event's dynamic type, in
     // registration order.
     void fireEvent(const PiNodeEvent& event);
+
+    // Why the node refuses an edit that would write `value` into `input`
+    // (one of its inputs), or "" when it takes it: a controller that keeps
+    // some inputs in step with others refuses what would break that. Asked
+    // before every edit; loads, undo and redo are not edits.
+    virtual LiString getValueRefusal(const PiInput& input, const PiValue& value) const;
 
 protected:
     // Called when an input of the node changed, before anyone else hears of

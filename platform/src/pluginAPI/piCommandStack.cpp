@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace {
 
@@ -165,11 +166,13 @@ bool PiCommandStack::beginWrite(PiInput& input, std::uint64_t& epoch) {
     bool own = false;
     if (!_open) {
         open(input.getName());
+        _openStep.namedByInput = true;
         ++_depth;
         own = true;
         epoch = _epoch;
     } else if (_openStep.name.empty()) {
         _openStep.name = input.getName();
+        _openStep.namedByInput = true;
     }
     if (!findRecord(input)) {
         _openStep.records.push_back(Record{RCShdPtr<PiInput>(&input), input.getState(), {}, {}});
@@ -276,11 +279,36 @@ void PiCommandStack::open(const LiString& name) {
     _held = false;
     _depth = 0;
     _openStep.name = name;
+    _openStep.namedByInput = false;
     _openStep.records.clear();
     _index.clear();
 }
 
+void PiCommandStack::nameStep(const LiString& name) {
+    if (_open && (_openStep.name.empty() || _openStep.namedByInput)) {
+        _openStep.name = name;
+        _openStep.namedByInput = false;
+    }
+}
+
+void PiCommandStack::announceWhenClosed(PiInput& input) {
+    const bool noted = std::any_of(_refused.begin(), _refused.end(),
+                                   [&input](const auto& r) { return r.get() == &input; });
+    if (!noted) {
+        _refused.emplace_back(&input);
+    }
+}
+
 void PiCommandStack::close() {
+    // What refused a write hears of it once the step is whole.
+    const std::vector<RCShdPtr<PiInput>> refused = std::exchange(_refused, {});
+    closeStep();
+    for (const RCShdPtr<PiInput>& input : refused) {
+        input->announce();
+    }
+}
+
+void PiCommandStack::closeStep() {
     Step step = std::move(_openStep);
     _openStep = Step();
     _index.clear();

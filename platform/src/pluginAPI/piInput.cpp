@@ -119,6 +119,7 @@ bool PiInput::hasKeyAt(double time) const {
 
 bool PiInput::setValue(double time, const PiValue& value) {
     if (_state.locked || !accepts(value)) {
+        refused();
         return false;
     }
     PiValue v = value;
@@ -137,6 +138,7 @@ bool PiInput::setValue(double time, const PiValue& value) {
 
 bool PiInput::setKey(double time, const PiValue& value) {
     if (_state.locked || !isAnimatable() || !accepts(value) || !std::isfinite(time)) {
+        refused();
         return false;
     }
     PiValue v = value;
@@ -177,6 +179,7 @@ bool PiInput::removeKey(double time) {
 
 bool PiInput::setConstant(const PiValue& value) {
     if (_state.locked || !accepts(value)) {
+        refused();
         return false;
     }
     PiValue v = value;
@@ -249,7 +252,30 @@ bool PiInput::accepts(const PiValue& value) const {
     if (PiValueUtil::getType(value) != _type) {
         wrongType("value type == input type");
     }
-    return PiValueUtil::isFinite(value);
+    return PiValueUtil::isFinite(value) &&
+           (!_node || _node->getController()->getValueRefusal(*this, value).empty());
+}
+
+LiString PiInput::getRefusal(const PiValue& value) const {
+    if (_state.locked) {
+        return "it is locked";
+    }
+    if (PiValueUtil::getType(value) != _type) {
+        return LiString("it holds ") + PiValueUtil::getTypeName(_type) + " values";
+    }
+    if (!PiValueUtil::isFinite(value)) {
+        return "the value is not a finite number";
+    }
+    return _node ? _node->getController()->getValueRefusal(*this, value) : LiString();
+}
+
+void PiInput::refused() {
+    PiCommandStack* stack = getCommandStack();
+    if (stack && stack->isStepOpen()) {
+        stack->announceWhenClosed(*this);
+    } else {
+        announce();
+    }
 }
 
 void PiInput::constrain(PiValue& value) const {

@@ -48,6 +48,10 @@ void PiNodeController::fireEvent(const PiNodeEvent& event) {
 
 void PiNodeController::inputChanged(PiInput&) {}
 
+LiString PiNodeController::getValueRefusal(const PiInput&, const PiValue&) const {
+    return LiString();
+}
+
 CbDispatcher<const PiNodeEvent>* PiNodeController::find(const std::type_info& eventType) const {
     const std::type_index key(eventType);
     for (const auto& [type, dispatcher] : _dispatchers) {
