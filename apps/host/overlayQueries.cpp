@@ -89,14 +89,16 @@ void listManipulators(const MfManipulator& m, ToolDrawing& drawing, int depth,
     }
 }
 
-void collectBars(const MfManipulator& m, ToolDrawing& drawing,
-                 std::vector<std::pair<float, std::string>>& bars) {
+// The bars a tool shows, with their window heights.
+using ShownBars = std::vector<std::pair<float, const MfRangeManipulator*>>;
+
+void collectBars(const MfManipulator& m, ToolDrawing& drawing, ShownBars& bars) {
     if (!m.isShown()) {
         return;
     }
     if (const auto* bar = dynamic_cast<const MfRangeManipulator*>(&m)) {
         if (drawing.isDrawn(m)) {
-            bars.emplace_back(centreOf(m, drawing.getView()).y, bar->getName());
+            bars.emplace_back(centreOf(m, drawing.getView()).y, bar);
         }
     }
     for (int i = 0; i < m.getChildCount(); ++i) {
@@ -120,8 +122,10 @@ std::vector<std::string> manipulators(const UiViewer& viewer) {
     return lines;
 }
 
-std::string bars(const UiViewer& viewer) {
-    std::vector<std::pair<float, std::string>> found;
+// The bars shown, from the top of the window down: each name, and where its
+// handle stands along it (0 at its left end, 1 at its right end).
+std::vector<std::pair<std::string, float>> shownBars(const UiViewer& viewer) {
+    ShownBars found;
     MfCurrentToolEventHandler* handler = toolHandler(viewer);
     const RCShdPtr<MfTool> tool = handler ? handler->getCurrentMfTool() : RCShdPtr<MfTool>();
     if (tool) {
@@ -132,11 +136,20 @@ std::string bars(const UiViewer& viewer) {
             }
         });
     }
-    // Top of the window first.
     std::stable_sort(found.begin(), found.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::pair<std::string, float>> bars;
+    for (const auto& [y, bar] : found) {
+        const GeRectangle<float>& r = bar->getRectangle();
+        bars.emplace_back(bar->getName(),
+                          (bar->getValue() - r.getXMin()) / (r.getXMax() - r.getXMin()));
+    }
+    return bars;
+}
+
+std::string bars(const UiViewer& viewer) {
     std::vector<std::string> names;
-    for (const auto& [y, name] : found) {
+    for (const auto& [name, handle] : shownBars(viewer)) {
         names.push_back(name);
     }
     return SessionProbe::list(names);
@@ -188,6 +201,15 @@ void OverlayQueries::add(SessionInterpreter& interpreter) {
         [&viewer](SessionArgs&) { return std::to_string(manipulators(viewer).size()); },
         [&viewer](SessionArgs&) { return manipulators(viewer); });
     probe.addQuery("bars", [&viewer](SessionArgs&) { return bars(viewer); });
+    probe.addQuery("bar", [&viewer](SessionArgs& args) {
+        const std::string name = args.word("bar name");
+        for (const auto& [bar, handle] : shownBars(viewer)) {
+            if (bar == name) {
+                return SessionArgs::format(handle);
+            }
+        }
+        throw SessionArgs::Error("no bar " + SessionScript::quote(name) + " is shown");
+    });
     probe.addQuery(
         "draw",
         [&viewer](SessionArgs& args) {

@@ -3,7 +3,7 @@
 class SessionInterpreter;
 
 // The session queries of what the viewer draws over the image: `cursor`,
-// `manipulators`, `bars` and `draw` (see docs/session-scripts.md). Positions
+// `manipulators`, `bars`, `bar` and `draw` (see docs/session-scripts.md). Positions
 // are answered in plate pixels.
 class OverlayQueries {
 public:

@@ -2,6 +2,7 @@
 
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
+#include <base/cbMethod.h>
 #include <base/rcBase.h>
 #include <base/rcExUtil.h>
 #include <base/rcShdPtr.h>
@@ -24,6 +25,12 @@
 // anywhere, undo, redo, loads); update handlers run when the time path's
 // client changes its time. Handlers are CbHandler<CbEmptyType> and leave by
 // themselves when destroyed.
+//
+// update() also leaves whatever shows the view's value up to date: when the
+// value it brings in is not the one the view's value-changed handlers last
+// heard of (the time moved to another value, or they have heard of none
+// yet), it calls them, after the cache is up to date. Edits are announced by
+// the input itself, and not again.
 template <class T>
 class PiInputValue : public RCBase<LkCounter<int>> {
 public:
@@ -52,9 +59,13 @@ public:
     // is locked or the value is not finite.
     bool setValue(const T& value) { return _input->setValue(getTime(), PiValue(value)); }
 
-    void addValueChangedCb(CbHandler<CbEmptyType>* handler) { _input->addValueChangedCb(handler); }
+    void addValueChangedCb(CbHandler<CbEmptyType>* handler) {
+        _input->addValueChangedCb(handler);
+        _handlers.addHandler(handler);
+    }
     void removeValueChangedCb(CbHandler<CbEmptyType>* handler) {
         _input->removeValueChangedCb(handler);
+        _handlers.removeHandler(handler);
     }
     void addUpdateCb(CbHandler<CbEmptyType>* handler) {
         if (_timePath) {
@@ -72,6 +83,12 @@ public:
         _time = getTime();
         _cached = _input->getTypedValue<T>(_time);
         _revision = _input->getRevision();
+        if (_heardAny && _heard == _cached) {
+            return;
+        }
+        _heard = _cached;
+        _heardAny = true;
+        _handlers.call();
     }
 
     bool isLocked() const { return _input->isLocked(); }
@@ -83,13 +100,28 @@ public:
 private:
     PiInputValue(const RCShdPtr<PiInput>& input, const RCShdPtr<const PiTimePath>& timePath)
         : _input(input)
-        , _timePath(timePath) {
-        update();
+        , _timePath(timePath)
+        , _time(getTime())
+        , _cached(input->getTypedValue<T>(_time))
+        , _revision(input->getRevision()) {
+        // First among the view's handlers on the input: whoever hears of an
+        // edit from the input has heard of the value it left.
+        _input->addValueChangedCb(&_inputChanged);
+    }
+
+    void inputChanged() {
+        _heard = _input->getTypedValue<T>(getTime());
+        _heardAny = true;
     }
 
     RCShdPtr<PiInput> _input;
     RCShdPtr<const PiTimePath> _timePath;
-    T _cached{};
-    double _time = 0.0;
-    std::uint64_t _revision = 0;
+    double _time;
+    T _cached;
+    std::uint64_t _revision;
+    // The value the view's handlers last heard of.
+    T _heard{};
+    bool _heardAny = false;
+    CbDispatcher<CbEmptyType> _handlers;
+    CbMethod<PiInputValue, CbEmptyType> _inputChanged{this, &PiInputValue::inputChanged};
 };
