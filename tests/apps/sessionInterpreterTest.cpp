@@ -82,6 +82,12 @@ TEST_F(SessionScene, EditsAtFramesUndoAndRedo) {
               "test.tss:1: input \"patchNames\" refused the value (it does not animate)");
     // A new step drops what was undone.
     ok("undo\nset blend.amount 0.3\nexpect redo count == 0");
+    // A patch is its name and its inputs: a names edit that would leave
+    // patches unnamed is refused, and says why.
+    ok("set patchNames a b\nexpect input patchNames == a b");
+    EXPECT_EQ(run("set patchNames b"),
+              "test.tss:1: input \"patchNames\" refused the value (the keyer has 2 patches: a "
+              "names edit renames or adds patches, it does not remove them)");
 }
 
 TEST_F(SessionScene, PrintListsTheStateAsScriptsReadIt) {

@@ -116,6 +116,8 @@ TEST_F(TesseraRunScene, WithoutArgumentsTheDemoKeysTheDemoPlateAndWritesItsOutpu
                              "  edges    ", "undo history: ", "  1. Pick Key Colour\n"}) {
         EXPECT_NE(summary.find(part), std::string::npos) << part << "\n" << summary;
     }
+    // A patch made by naming it is listed as one.
+    EXPECT_NE(summary.find("  3. New Patch\n"), std::string::npos) << summary;
     // The written setup loads back into a session of its own.
     std::ofstream(dir / "check.tss") << "load out/setup.tessera\n"
                                      << "expect input overall ~ 0.3 within 0.01\n"

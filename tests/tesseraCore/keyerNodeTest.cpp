@@ -8,6 +8,7 @@
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsMgInterface.h>
 #include <tesseraCore/tsMgTool.h>
+#include <tesseraCore/tsSetup.h>
 #include <tesseraCore/tsSpillBlendInterface.h>
 
 #include <base/exReporter.h>
@@ -15,7 +16,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -194,6 +197,49 @@ TEST_F(KeyerScene, UndoTakesAwayThePatchInputsANewPatchMadeAndRedoBringsTheSameB
     EXPECT_EQ(node->getPatchModeInput(1), mode);
     mode->setValue(0.0, PiValue(2));
     EXPECT_EQ(stack().getUndoName(), mode->getName()) << "a restored input is undone as before";
+}
+
+// A patch is a name and a set of inputs on every path that makes or removes
+// patches (a names edit, a new patch, a reset, a setup load); undo and redo
+// put both back exactly, step by step.
+TEST_F(KeyerScene, PatchNamesAndInputsGoTogetherOnEveryPathAndUndoExactly) {
+    auto setup = [this] {
+        LiString text;
+        EXPECT_TRUE(TsSetup::write(*group, text));
+        return text;
+    };
+    auto inStep = [this] {
+        return node->getPatchInputCount() == std::max(1, mg->getPatchCount()) &&
+               mg->getPatchCount() == static_cast<int>(mg->getPatchNames().size());
+    };
+    std::vector<LiString> texts{setup()};
+    auto done = [&] {
+        EXPECT_TRUE(inStep()) << stack().getUndoName();
+        texts.push_back(setup());
+    };
+    ASSERT_TRUE(mg->getPatchNamesInput()->setValue(0, PiValue(PiStringList{"A", "B", "C"})));
+    EXPECT_EQ(stack().getUndoName(), "New Patch");
+    done();
+    ASSERT_TRUE(mg->getPatchRangeInput(2)->setValue(0, PiValue(0.5)));
+    done();
+    const LiString threePatches = texts.back();
+    EXPECT_FALSE(mg->getPatchNamesInput()->setValue(0, PiValue(PiStringList{"A"})));
+    EXPECT_EQ(mg->createPatch(), 3);
+    done();
+    mg->resetKeyer();
+    done();
+    ASSERT_TRUE(TsSetup::read(*group, threePatches, "three patches"));
+    done();
+
+    for (std::size_t i = texts.size() - 1; i-- > 0;) {
+        ASSERT_TRUE(stack().undo());
+        EXPECT_TRUE(inStep());
+        EXPECT_EQ(setup(), texts[i]) << "undone to step " << i;
+    }
+    for (std::size_t i = 1; i < texts.size(); ++i) {
+        ASSERT_TRUE(stack().redo());
+        EXPECT_EQ(setup(), texts[i]) << "redone to step " << i;
+    }
 }
 
 TEST_F(KeyerScene, ResetsAreOneStepAndSpareLockedInputs) {

@@ -52,17 +52,34 @@ public:
     const RCShdPtr<PiInput>& getEdgeBalanceInput(int axis) const { return _edgeBalance.at(axis); }
 
     // --- Patches (see TsMgInterface)
+    //
+    // A patch is a name of the patch-names input and its own inputs (box,
+    // mode, range, softness): the node holds one set of patch inputs per
+    // name, and the first set also while no patch is named, so that a tool
+    // can bind to the current patch from the start. Every path keeps the two
+    // in step: an edit of the names that adds names adds their inputs (in the
+    // edit's undo step, named "New Patch"); an edit that would remove names
+    // is refused (getPatchNamesRefusal); createPatch, the resets and setup
+    // loads change both in one step; undo and redo put both back.
     int getPatchCount() const;
     int getCurrentPatch() const;
     std::vector<std::string> getPatchNames() const;
     void makePatchCurrent(int patch);
     int createPatch();
-    // The patches that have inputs (at least 1, at least getPatchCount()).
+    // The sets of patch inputs: max(1, getPatchCount()) but while undo or
+    // redo puts a step back.
     int getPatchInputCount() const { return static_cast<int>(_patches.size()); }
-    // Makes the inputs of patches up to `count` exist. New inputs hold their
-    // defaults. In a graph, their coming is a change of the node's structure
-    // that the command stack records, so that undo takes them away again.
-    void ensurePatchInputs(int count);
+    // Makes the node hold `count` (at least 1) sets of patch inputs: new ones
+    // hold their defaults, dropped ones go with their values. In a graph,
+    // this is a change of the node's structure that the command stack
+    // records, so that undo puts the sets back as they were.
+    void setPatchInputCount(int count);
+    // Why an edit writing `names` into the patch-names input is refused
+    // ("" when it is taken): it would leave patches without a name.
+    LiString getPatchNamesRefusal(const PiValue& names) const;
+    // The patch names changed (an edit, a load, undo, redo): names added by
+    // an edit get their inputs, and the edit's step is a "New Patch".
+    void patchNamesChanged();
     // Empty for a patch without inputs or an element out of range.
     RCShdPtr<PiInput> getPatchBoxInput(int patch, int row, int column) const;
     RCShdPtr<PiInput> getPatchModeInput(int patch) const;
@@ -93,9 +110,12 @@ private:
     std::array<RCShdPtr<PiInput>, 12> addBox(const LiString& prefix);
     const PatchInputs* patchInputs(int patch) const;
     static std::vector<RCShdPtr<PiInput>> inputsOf(const PatchInputs& patch);
-    // The undo and redo of ensurePatchInputs.
+    // The undo and redo of setPatchInputCount.
     void dropPatchInputs(std::size_t count);
     void restorePatchInputs(const std::vector<PatchInputs>& patches);
+    // Empties the patch-names input and keeps one set of patch inputs (a
+    // reset); nothing when the names are locked.
+    void removePatches();
 
     RCShdPtr<PiInput> _image;
     RCShdPtr<PiInput> _background;
@@ -109,4 +129,8 @@ private:
     std::array<RCShdPtr<PiInput>, 2> _blend;
     std::array<RCShdPtr<PiInput>, 2> _edgeBalance;
     std::vector<PatchInputs> _patches;
+    // Set while the node itself removes patches with their names.
+    bool _removingPatches = false;
+    // The names the patch-names input held when it last changed.
+    int _namedPatches = 0;
 };

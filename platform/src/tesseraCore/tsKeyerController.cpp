@@ -47,11 +47,9 @@ RCShdPtr<PiInput> TsKeyerController::getEdgeBalanceInput(int axis) const {
 }
 
 void TsKeyerController::inputChanged(PiInput& input) {
-    // However the patch names changed (a new patch, an undo, a load), every
-    // named patch has its inputs.
     TsKeyerNode& n = node();
     if (&input == n.getPatchNamesInput().get()) {
-        n.ensurePatchInputs(n.getPatchCount());
+        n.patchNamesChanged();
     }
 }
 
@@ -65,4 +63,9 @@ std::string TsKeyerController::getDefaultView() const {
 
 std::unique_ptr<PiViewRenderer> TsKeyerController::createViewRenderer() {
     return std::make_unique<TsViewRenderer>(RCShdPtr<const TsKeyerNode>(&node()));
+}
+
+LiString TsKeyerController::getValueRefusal(const PiInput& input, const PiValue& value) const {
+    const TsKeyerNode& n = node();
+    return &input == n.getPatchNamesInput().get() ? n.getPatchNamesRefusal(value) : LiString();
 }

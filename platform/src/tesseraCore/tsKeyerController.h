@@ -80,6 +80,9 @@ public:
     std::string getDefaultView() const override;
     std::unique_ptr<PiViewRenderer> createViewRenderer() override;
 
+    // Refuses a names edit that would leave patches without a name.
+    LiString getValueRefusal(const PiInput& input, const PiValue& value) const override;
+
 protected:
     void inputChanged(PiInput& input) override;
 

@@ -78,7 +78,7 @@ TsKeyerNode::TsKeyerNode(const LiString& name)
               addDouble("blend.width", defaults.blend[1], true)};
     _edgeBalance = {addDouble("edgeBalance.x", defaults.edgeBalanceX, true),
                     addDouble("edgeBalance.y", defaults.edgeBalanceY, true)};
-    ensurePatchInputs(1);
+    setPatchInputCount(1);
 }
 
 TsKeyerNode::~TsKeyerNode() = default;
@@ -102,9 +102,13 @@ std::array<RCShdPtr<PiInput>, 12> TsKeyerNode::addBox(const LiString& prefix) {
     return box;
 }
 
-void TsKeyerNode::ensurePatchInputs(int count) {
+void TsKeyerNode::setPatchInputCount(int count) {
     const std::size_t before = _patches.size();
-    while (static_cast<int>(_patches.size()) < count) {
+    const auto wanted = static_cast<std::size_t>(std::max(count, 1));
+    std::vector<PatchInputs> dropped(
+        _patches.begin() + static_cast<std::ptrdiff_t>(std::min(before, wanted)), _patches.end());
+    dropPatchInputs(wanted);
+    while (_patches.size() < wanted) {
         const LiString prefix = patchPrefix(static_cast<int>(_patches.size()));
         PatchInputs p;
         p.box = addBox(prefix);
@@ -120,6 +124,12 @@ void TsKeyerNode::ensurePatchInputs(int count) {
         return;
     }
     const RCShdPtr<TsKeyerNode> self(this);
+    if (!dropped.empty()) {
+        stack->recordChange(
+            "Remove Patches", [self, dropped] { self->restorePatchInputs(dropped); },
+            [self, wanted] { self->dropPatchInputs(wanted); });
+        return;
+    }
     const std::vector<PatchInputs> added(_patches.begin() + static_cast<std::ptrdiff_t>(before),
                                          _patches.end());
     stack->recordChange(
@@ -199,6 +209,51 @@ int TsKeyerNode::getPatchCount() const {
     return std::min(static_cast<int>(names.size()), getPatchInputCount());
 }
 
+LiString TsKeyerNode::getPatchNamesRefusal(const PiValue& names) const {
+    const auto* list = std::get_if<PiStringList>(&names);
+    const int count = getPatchCount();
+    if (_removingPatches || !list || static_cast<int>(list->size()) >= count) {
+        return LiString();
+    }
+    return "the keyer has " + std::to_string(count) + " patch" + (count == 1 ? "" : "es") +
+           ": a names edit renames or adds patches, it does not remove them";
+}
+
+void TsKeyerNode::patchNamesChanged() {
+    const auto names = static_cast<int>(getPatchNames().size());
+    const bool added = names > _namedPatches;
+    _namedPatches = names;
+    // Undo and redo put the inputs back themselves.
+    PiCommandStack* stack = getCommandStack();
+    if (!added || (stack && stack->isReplaying())) {
+        return;
+    }
+    if (stack) {
+        stack->nameStep("New Patch");
+    }
+    if (names > getPatchInputCount()) {
+        setPatchInputCount(names);
+    }
+}
+
+void TsKeyerNode::removePatches() {
+    bool emptied = false;
+    {
+        // This names edit may remove patches; the flag goes down also when
+        // a handler of the edit throws.
+        struct Removing {
+            bool& flag;
+            ~Removing() { flag = false; }
+        };
+        _removingPatches = true;
+        const Removing removing{_removingPatches};
+        emptied = _patchNames->resetToDefault();
+    }
+    if (emptied) {
+        setPatchInputCount(1);
+    }
+}
+
 int TsKeyerNode::getCurrentPatch() const {
     const int count = getPatchCount();
     const int current = _currentPatch->getTypedValue<int>(0.0);
@@ -229,7 +284,7 @@ int TsKeyerNode::createPatch() {
     }
     const TsUndoStep step(*this, "New Patch");
     const int index = getPatchCount();
-    ensurePatchInputs(index + 1);
+    setPatchInputCount(index + 1);
     PiStringList names = getPatchNames();
     names.resize(static_cast<std::size_t>(index));
     LiString name;
@@ -285,8 +340,8 @@ void TsKeyerNode::resetMatteGeneration() {
     for (const auto& in : _keyColors) {
         in->resetToDefault();
     }
-    _patchNames->resetToDefault();
     _currentPatch->resetToDefault();
+    removePatches();
     for (const PatchInputs& p : _patches) {
         for (const auto& in : p.box) {
             in->resetToDefault();

@@ -496,7 +496,12 @@ PiInputState defaultState(const PiInput& input) {
 }
 
 void applyNode(TsKeyerNode& node, const Section& section) {
-    node.ensurePatchInputs(section.patches);
+    // One set of patch inputs per patch name: sets beyond them (which older
+    // setups kept after a reset) were no patches and are not loaded.
+    const InputLine* names = find(section, node.getPatchNamesInput()->getName());
+    const auto patches =
+        names ? std::get<PiStringList>(names->state.constant).size() : std::size_t{0};
+    node.setPatchInputCount(static_cast<int>(patches));
     for (int i = 0; i < node.getInputCount(); ++i) {
         PiInput& in = *node.getInput(i);
         if (in.getType() == PiValueType::Image) {
@@ -559,7 +564,7 @@ bool readSetup(PiNode& keyer, const std::string& text, const std::string& source
                 }
             }
             const RCShdPtr<TsKeyerNode> prototype = TsKeyerNode::create(section.name);
-            prototype->ensurePatchInputs(section.patches);
+            prototype->setPatchInputCount(section.patches);
             check(section, *prototype);
             if (const InputLine* names =
                     find(section, prototype->getPatchNamesInput()->getName())) {
