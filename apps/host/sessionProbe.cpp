@@ -126,6 +126,14 @@ std::string SessionProbe::format(const PiValue& value) const {
         const RCShdPtr<PiNode> node = _session.getKeyer()->resolve(std::get<PiNodeRef>(value));
         return node ? node->getName() : "none";
     }
+    case PiValueType::NodeRefList: {
+        std::string out;
+        for (const PiNodeRef& ref : std::get<PiNodeRefList>(value)) {
+            const RCShdPtr<PiNode> node = _session.getKeyer()->resolve(ref);
+            out += (out.empty() ? "" : " ") + (node ? SessionScript::quote(node->getName()) : "-");
+        }
+        return out.empty() ? "none" : out;
+    }
     }
     return "";
 }
@@ -184,6 +192,7 @@ bool SessionProbe::parseValue(PiValueType type, const std::vector<std::string>& 
         return true;
     case PiValueType::Image:
     case PiValueType::NodeRef:
+    case PiValueType::NodeRefList:
         break;
     }
     error = std::string("a value of type ") + PiValueUtil::getTypeName(type) +

@@ -119,7 +119,14 @@ TEST(KeyerGroupGenerations, TheSecondGenerationAnswersTsInterface3WithItsSelecte
     ASSERT_TRUE(selected);
     EXPECT_TRUE(PiGraphObject::areEqual(selected, keyer->getSelectedNodesInput()));
     keyer->setSelectedNode(keyer->getKeyerNode(0));
-    EXPECT_EQ(selected->getTypedValue<PiNodeRef>(0).id, keyer->getKeyerNode(0)->getId());
+    // The value holds the selected node, then the slots: a slot assigned
+    // changes it.
+    keyer->setSlotNode(2, group);
+    EXPECT_EQ(
+        selected->getTypedValue<PiNodeRefList>(0),
+        (PiNodeRefList{{keyer->getKeyerNode(0)->getId()}, {}, {}, {group->getId()}, {}, {}, {}}));
+    EXPECT_EQ(keyer->getSlotNode(2), group);
+    EXPECT_TRUE(PiGraphObject::areEqual(keyer->getSlotInput(2), selected));
 }
 
 } // namespace

@@ -230,7 +230,7 @@ TEST_F(SetupScene, ANodeEditedInStepsUndoneRedoneSavedAndReloadedIsExact) {
 TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
     writeFile("shot.setup", "old contents");
     ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
-    EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 1\n", 0), 0u);
+    EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 2\n", 0), 0u);
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
     // An ordinary document: readable by others as the umask allows, not
     // private like the temporary file it was written through.
@@ -263,7 +263,7 @@ TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
         return std::make_pair(out, found);
     };
     expectRefused("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 1, "not a keyer setup");
-    expectRefused("tessera-setup 2\nend\n", 1, "version 2");
+    expectRefused("tessera-setup 3\nend\n", 1, "version 3");
     expectRefused(
         good.substr(0, good.size() / 2),
         static_cast<int>(std::count(good.begin(), good.begin() + good.size() / 2, '\n')) + 1, "");
@@ -297,6 +297,35 @@ TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
             replaceLine("input \"patchNames\"", "input \"patchNames\" strings 2 \"a");
         expectRefused(text, line, "not closed");
     }
+}
+
+// Setups of the first version load: a node's patch inputs beyond its names
+// (left by a reset) were no patches and do not come back, and a second
+// generation group's slots, six inputs of their own then, go into its
+// selected-nodes value.
+TEST_F(SetupScene, FirstVersionSetupsLoad) {
+    writeFile("node.setup", "tessera-setup 1\nnode \"keyer1\"\npatches 3\n"
+                            "input \"patchNames\" strings 1 \"A\"\n"
+                            "input \"patch1.range\" double 0.25\nend\n");
+    const auto node = group->getKeyerNode(0);
+    ASSERT_TRUE(TsSetup::load(*node, path("node.setup")));
+    EXPECT_EQ(node->getPatchNames(), (std::vector<std::string>{"A"}));
+    EXPECT_EQ(node->getPatchInputCount(), 1);
+    EXPECT_EQ(node->getPatchRangeInput(0)->getTypedValue<double>(0), 0.25);
+
+    auto other = PiGraph::create();
+    auto second = TsKeyerGroup::create("keyer", 2, 2);
+    other->getRoot()->addNode(second);
+    writeFile("group.setup", "tessera-setup 1\ngroup \"keyer\" generation 2\n"
+                             "input \"slot1\" node \"keyer2\"\ninput \"slot3\" node self\n"
+                             "input \"selectedNodes\" node \"keyer2\"\n"
+                             "node \"keyer1\"\nnode \"keyer2\"\nend\n");
+    LiString error;
+    ASSERT_TRUE(TsSetup::load(*second, path("group.setup"), &error)) << error;
+    EXPECT_EQ(second->getSlotName(0), "keyer2");
+    EXPECT_EQ(second->getSlotName(1), "");
+    EXPECT_EQ(second->getSlotName(2), "keyer");
+    EXPECT_EQ(second->getSelectedNode(), second->getKeyerNode(1));
 }
 
 TEST_F(SetupScene, AMissingFileIsReportedWithItsName) {

@@ -20,6 +20,8 @@ struct PiNodeRef {
 };
 
 using PiStringList = std::vector<std::string>;
+// References to several nodes, in an order their input gives a meaning.
+using PiNodeRefList = std::vector<PiNodeRef>;
 
 // The kinds of value an input holds.
 enum class PiValueType : int {
@@ -30,11 +32,12 @@ enum class PiValueType : int {
     StringList = 4,
     Image = 5, // RCShdPtr<const PiImage>: an image input, constant over time
     NodeRef = 6,
+    NodeRefList = 7,
 };
 
 // One value of an input. The alternatives are in PiValueType order.
-using PiValue =
-    std::variant<double, int, bool, CoRgbColorTyped<float>, PiStringList, PiImagePtr, PiNodeRef>;
+using PiValue = std::variant<double, int, bool, CoRgbColorTyped<float>, PiStringList, PiImagePtr,
+                             PiNodeRef, PiNodeRefList>;
 
 // The PiValueType of a C++ value type (only the types of PiValue have one).
 template <class T>
@@ -67,12 +70,16 @@ template <>
 struct PiValueTypeOf<PiNodeRef> {
     static constexpr PiValueType value = PiValueType::NodeRef;
 };
+template <>
+struct PiValueTypeOf<PiNodeRefList> {
+    static constexpr PiValueType value = PiValueType::NodeRefList;
+};
 
 // Operations on values shared by inputs, the command stack and setups.
 class PiValueUtil {
 public:
     static PiValueType getType(const PiValue& v) { return static_cast<PiValueType>(v.index()); }
-    // "double", "int", "bool", "rgb", "strings", "image", "node".
+    // "double", "int", "bool", "rgb", "strings", "image", "node", "nodes".
     static const char* getTypeName(PiValueType type);
 
     // Exact equality (images compare by identity).

@@ -14,10 +14,11 @@ class TsKeyerNode;
 // the keyer nodes it holds beside its boundary nodes, six slots that each
 // refer to one node, and the keyer's selected node.
 //
-// Slots and the selected node are node-reference inputs of the group
-// ("slot1" .. "slot6", and the selected-nodes value), so they are undoable
-// and saved with setups. Whenever one of them changes (an edit, an undo, a
-// redo, a load), the group's controller fires a TsNodeSelectChangedEvent.
+// Slots and the selected node are node-reference inputs of the group (in
+// generation 1 "slot1" .. "slot6" and the selected-nodes value; in
+// generation 2 all in the selected-nodes value), so they are undoable and
+// saved with setups. Whenever one of them changes (an edit, an undo, a redo,
+// a load), the group's controller fires a TsNodeSelectChangedEvent.
 class TsGroupInterface : public virtual PiNodeController {
 public:
     using InstanceDataFactory = RCShdPtr<RCBase<LkCounter<int>>> (*)(

@@ -11,6 +11,12 @@
 // slots and the selected node. Its controller (the group's interface) is a
 // TsInterface for generation 1 and a TsInterface3 for generation 2; both
 // implement TsGroupInterface, whose comments say what the operations do.
+//
+// Generation 1 keeps each slot in a node-reference input of its own
+// ("slot1" .. "slot6") and the selected node in the selected-nodes value;
+// generation 2 keeps all seven in the selected-nodes value, a list of node
+// references (the selected node, then slots 1 to 6), so that its panel,
+// which follows that value, hears of every change of a slot.
 class TsKeyerGroup : public PiGroupNode {
 public:
     // A group holding `keyerNodes` keyer nodes named "keyer1", "keyer2", ...
@@ -30,6 +36,8 @@ public:
     int getNodeSlot(const PiNode* node) const;
     bool setSlotNode(int slot, const RCShdPtr<PiNode>& node);
     LiString getSlotName(int slot) const;
+    // The input that holds the slot (the selected-nodes value in generation
+    // 2); empty for a slot out of range.
     RCShdPtr<PiInput> getSlotInput(int slot) const;
 
     RCShdPtr<PiNode> getSelectedNode() const;
@@ -43,10 +51,17 @@ public:
     bool isSelectionInput(const PiInput& input) const;
 
 private:
+    // What the group refers to: the selected node, then slots 1 to 6.
+    using Refs = std::array<PiNodeRef, 7>;
+
     TsKeyerGroup(const LiString& name, int generation);
     bool acceptsForSlot(const PiNode* node) const;
+    Refs getRefs() const;
+    // Writes what changed (one write of the selected-nodes value in
+    // generation 2).
+    bool setRefs(const Refs& refs);
 
     int _generation;
-    std::array<RCShdPtr<PiInput>, 6> _slots;
+    std::array<RCShdPtr<PiInput>, 6> _slots; // generation 1
     RCShdPtr<PiInput> _selected;
 };

@@ -10,7 +10,7 @@
 //
 // The format, one statement a line ('#' starts a comment outside quotes):
 //
-//   tessera-setup 1                      the format and its version: first
+//   tessera-setup 2                      the format and its version: first
 //   group "keyer" generation 1           a group section (group setups only)
 //   input "slot1" node "keyer1"          a node reference: a quoted name of a
 //   input "slot2" node -                 node in the group, - for none, self
@@ -24,8 +24,15 @@
 //
 // An input line is: input NAME TYPE [locked] VALUE [keys N TIME VALUE ...],
 // VALUE being the constant value (for an int, a bool: true or false, an rgb:
-// three numbers). Numbers are written in the shortest form that reads back
-// to the same value.
+// three numbers, a list: its length and its items). Numbers are written in
+// the shortest form that reads back to the same value. A second-generation
+// group keeps its slots in its selected-nodes value:
+//
+//   input "selectedNodes" nodes 7 "keyer1" "keyer1" "keyer2" - - - -
+//
+// Version 1 setups load too: a second-generation group's slot inputs
+// ("slot1" .. "slot6") go into that value, and a node's patch inputs beyond
+// its patch names (which a reset used to leave) are not loaded.
 //
 // Saving writes a temporary file beside the target and renames it over the
 // target, so a failed save leaves the old file whole. Loading reads and
@@ -36,7 +43,8 @@
 // setup that the group lacks are added to it.
 class TsSetup {
 public:
-    static constexpr int Version = 1;
+    // The version written; versions 1 to Version are read.
+    static constexpr int Version = 2;
 
     // `keyer` is a TsKeyerGroup or a TsKeyerNode. On failure both answer
     // false, report through ExReporter and, when `error` is given, put the

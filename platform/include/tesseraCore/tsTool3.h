@@ -5,7 +5,9 @@
 // Names of the second keyer generation (TsInterface3).
 class TsTool3 {
 public:
-    // The keyer group's selected-nodes value ("selectedNodes"): a node
-    // reference input naming the keyer node that the keyer shows.
+    // The keyer group's selected-nodes value ("selectedNodes"): a list of
+    // node references, the keyer node that the keyer shows and then the
+    // nodes of its six slots (a first-generation group keeps only the node
+    // it shows there).
     static const std::string& getSelectedNodesName();
 };

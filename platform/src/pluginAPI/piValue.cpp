@@ -19,6 +19,8 @@ const char* PiValueUtil::getTypeName(PiValueType type) {
         return "image";
     case PiValueType::NodeRef:
         return "node";
+    case PiValueType::NodeRefList:
+        return "nodes";
     }
     return "?";
 }
@@ -84,6 +86,9 @@ std::size_t PiValueUtil::extraBytes(const PiValue& v) {
         }
         return bytes;
     }
+    if (const auto* refs = std::get_if<PiNodeRefList>(&v)) {
+        return refs->capacity() * sizeof(PiNodeRef);
+    }
     return 0;
 }
 
@@ -111,8 +116,16 @@ LiString PiValueUtil::toText(const PiValue& v) {
                 } else {
                     os << "no image";
                 }
-            } else {
+            } else if constexpr (std::is_same_v<T, PiNodeRef>) {
                 os << (value.isNone() ? std::string("none") : "node #" + std::to_string(value.id));
+            } else {
+                os << "[";
+                for (std::size_t i = 0; i < value.size(); ++i) {
+                    os << (i ? ", " : "")
+                       << (value[i].isNone() ? std::string("none")
+                                             : "node #" + std::to_string(value[i].id));
+                }
+                os << "]";
             }
         },
         v);

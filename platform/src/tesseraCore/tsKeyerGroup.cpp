@@ -10,6 +10,8 @@
 #include <base/rcExUtil.h>
 #include <base/typeName.h>
 
+#include <algorithm>
+
 namespace {
 
 // The controller of a keyer group of either generation (I is TsInterface or
@@ -79,6 +81,12 @@ RCShdPtr<TsKeyerGroup> TsKeyerGroup::create(const LiString& name, int generation
 TsKeyerGroup::TsKeyerGroup(const LiString& name, int generation)
     : PiGroupNode(name, true)
     , _generation(generation) {
+    if (_generation == 2) {
+        _selected = rcMake<PiInput>(TsTool3::getSelectedNodesName(),
+                                    PiValue(PiNodeRefList(std::tuple_size_v<Refs>)));
+        addInput(_selected);
+        return;
+    }
     for (int i = 0; i < static_cast<int>(_slots.size()); ++i) {
         _slots[i] = rcMake<PiInput>("slot" + std::to_string(i + 1), PiValue(PiNodeRef{}));
         addInput(_slots[i]);
@@ -134,30 +142,60 @@ bool TsKeyerGroup::acceptsForSlot(const PiNode* node) const {
     return node == this || (node && node->getParent() == this);
 }
 
+TsKeyerGroup::Refs TsKeyerGroup::getRefs() const {
+    Refs refs{};
+    if (_generation == 2) {
+        const auto list = _selected->getTypedValue<PiNodeRefList>(0.0);
+        std::copy_n(list.begin(), std::min(list.size(), refs.size()), refs.begin());
+        return refs;
+    }
+    refs[0] = _selected->getTypedValue<PiNodeRef>(0.0);
+    for (std::size_t i = 0; i < _slots.size(); ++i) {
+        refs[i + 1] = _slots[i]->getTypedValue<PiNodeRef>(0.0);
+    }
+    return refs;
+}
+
+bool TsKeyerGroup::setRefs(const Refs& refs) {
+    if (_generation == 2) {
+        return _selected->setValue(0.0, PiValue(PiNodeRefList(refs.begin(), refs.end())));
+    }
+    bool written = true;
+    for (std::size_t i = 0; i < _slots.size(); ++i) {
+        written = _slots[i]->setValue(0.0, PiValue(refs[i + 1])) && written;
+    }
+    return _selected->setValue(0.0, PiValue(refs[0])) && written;
+}
+
 RCShdPtr<PiInput> TsKeyerGroup::getSlotInput(int slot) const {
-    return slot >= 0 && slot < static_cast<int>(_slots.size()) ? _slots[slot] : RCShdPtr<PiInput>();
+    if (slot < 0 || slot >= static_cast<int>(_slots.size())) {
+        return RCShdPtr<PiInput>();
+    }
+    return _generation == 2 ? _selected : _slots[slot];
 }
 
 RCShdPtr<PiNode> TsKeyerGroup::getSlotNode(int slot) const {
-    const RCShdPtr<PiInput> input = getSlotInput(slot);
-    return input ? resolve(input->getTypedValue<PiNodeRef>(0.0)) : RCShdPtr<PiNode>();
+    if (slot < 0 || slot >= static_cast<int>(_slots.size())) {
+        return RCShdPtr<PiNode>();
+    }
+    return resolve(getRefs()[static_cast<std::size_t>(slot) + 1]);
 }
 
 int TsKeyerGroup::getNodeSlot(const PiNode* node) const {
     if (!node) {
         return -1;
     }
-    for (int i = 0; i < static_cast<int>(_slots.size()); ++i) {
-        if (_slots[i]->getTypedValue<PiNodeRef>(0.0).id == node->getId()) {
-            return i;
+    const Refs refs = getRefs();
+    for (std::size_t i = 1; i < refs.size(); ++i) {
+        if (refs[i].id == node->getId()) {
+            return static_cast<int>(i) - 1;
         }
     }
     return -1;
 }
 
 bool TsKeyerGroup::setSlotNode(int slot, const RCShdPtr<PiNode>& node) {
-    const RCShdPtr<PiInput> input = getSlotInput(slot);
-    if (!input) {
+    if (slot < 0 || slot >= static_cast<int>(_slots.size())) {
         ExReporter::getInstance().report(getName(), "there is no slot " + std::to_string(slot) +
                                                         " (slots are 0 to 5)");
         return false;
@@ -168,14 +206,15 @@ bool TsKeyerGroup::setSlotNode(int slot, const RCShdPtr<PiNode>& node) {
         return false;
     }
     const TsUndoStep step(*this, "Assign Slot");
-    if (node) {
-        for (const auto& other : _slots) {
-            if (other != input && other->getTypedValue<PiNodeRef>(0.0).id == node->getId()) {
-                other->setValue(0.0, PiValue(PiNodeRef{}));
-            }
+    Refs refs = getRefs();
+    const PiNodeRef ref{node ? node->getId() : 0};
+    for (std::size_t i = 1; i < refs.size(); ++i) {
+        if (node && refs[i] == ref) {
+            refs[i] = PiNodeRef{};
         }
     }
-    return input->setValue(0.0, PiValue(PiNodeRef{node ? node->getId() : 0}));
+    refs[static_cast<std::size_t>(slot) + 1] = ref;
+    return setRefs(refs);
 }
 
 LiString TsKeyerGroup::getSlotName(int slot) const {
@@ -184,7 +223,7 @@ LiString TsKeyerGroup::getSlotName(int slot) const {
 }
 
 RCShdPtr<PiNode> TsKeyerGroup::getSelectedNode() const {
-    return resolve(_selected->getTypedValue<PiNodeRef>(0.0));
+    return resolve(getRefs()[0]);
 }
 
 bool TsKeyerGroup::setSelectedNode(const RCShdPtr<PiNode>& node) {
@@ -194,7 +233,9 @@ bool TsKeyerGroup::setSelectedNode(const RCShdPtr<PiNode>& node) {
         return false;
     }
     const TsUndoStep step(*this, "Select Node");
-    return _selected->setValue(0.0, PiValue(PiNodeRef{node ? node->getId() : 0}));
+    Refs refs = getRefs();
+    refs[0] = PiNodeRef{node ? node->getId() : 0};
+    return setRefs(refs);
 }
 
 bool TsKeyerGroup::isSelectionInput(const PiInput& input) const {

@@ -1,8 +1,10 @@
 #include "tsUndoStep.h"
 
+#include <tesseraCore/tsGroupInterface.h>
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsKeyerNode.h>
 #include <tesseraCore/tsSetup.h>
+#include <tesseraCore/tsTool3.h>
 
 #include <base/exReporter.h>
 
@@ -81,6 +83,11 @@ std::string valueText(const PiValue& v, const TsKeyerGroup* group) {
                 }
             } else if constexpr (std::is_same_v<T, PiNodeRef>) {
                 out = nodeRefText(value, group);
+            } else if constexpr (std::is_same_v<T, PiNodeRefList>) {
+                out = std::to_string(value.size());
+                for (const PiNodeRef& ref : value) {
+                    out += " " + nodeRefText(ref, group);
+                }
             }
         },
         v);
@@ -255,17 +262,31 @@ struct Section {
 };
 
 struct Setup {
+    int version = TsSetup::Version;
     std::optional<Section> group;
     std::vector<Section> nodes;
 };
 
 std::optional<PiValueType> typeOf(const std::string& name) {
-    for (int t = 0; t <= static_cast<int>(PiValueType::NodeRef); ++t) {
+    for (int t = 0; t <= static_cast<int>(PiValueType::NodeRefList); ++t) {
         if (name == PiValueUtil::getTypeName(static_cast<PiValueType>(t))) {
             return static_cast<PiValueType>(t);
         }
     }
     return std::nullopt;
+}
+
+RefName readRef(Cursor& c) {
+    const Token& t = c.take("a node");
+    RefName ref;
+    if (t.quoted) {
+        ref = {RefName::Named, t.text};
+    } else if (t.text == "self") {
+        ref.kind = RefName::Self;
+    } else if (t.text != "-") {
+        c.fail("expected a node name in double quotes, - or self, found " + t.text);
+    }
+    return ref;
 }
 
 PiValue readValue(Cursor& c, PiValueType type, std::vector<RefName>& refs) {
@@ -298,18 +319,19 @@ PiValue readValue(Cursor& c, PiValueType type, std::vector<RefName>& refs) {
         }
         return list;
     }
-    case PiValueType::NodeRef: {
-        const Token& t = c.take("a node");
-        RefName ref;
-        if (t.quoted) {
-            ref = {RefName::Named, t.text};
-        } else if (t.text == "self") {
-            ref.kind = RefName::Self;
-        } else if (t.text != "-") {
-            c.fail("expected a node name in double quotes, - or self, found " + t.text);
-        }
-        refs.push_back(ref);
+    case PiValueType::NodeRef:
+        refs.push_back(readRef(c));
         return PiNodeRef{};
+    case PiValueType::NodeRefList: {
+        const int n = c.num<int>("the number of nodes");
+        if (n < 0 || n > 100000) {
+            c.fail("a list of " + std::to_string(n) + " nodes");
+        }
+        for (int i = 0; i < n; ++i) {
+            refs.push_back(readRef(c));
+        }
+        // Resolved once the file is checked.
+        return PiNodeRefList(static_cast<std::size_t>(n));
     }
     case PiValueType::Image:
         break;
@@ -371,10 +393,11 @@ Setup parse(const std::string& text) {
                        "\")");
             }
             c.word(magic);
-            const int version = c.num<int>("a version number");
-            if (version != TsSetup::Version) {
-                c.fail("setup version " + std::to_string(version) + " is not readable (this " +
-                       "keyer reads version " + std::to_string(TsSetup::Version) + ")");
+            setup.version = c.num<int>("a version number");
+            if (setup.version < 1 || setup.version > TsSetup::Version) {
+                c.fail("setup version " + std::to_string(setup.version) +
+                       " is not readable (this keyer reads versions 1 to " +
+                       std::to_string(TsSetup::Version) + ")");
             }
             c.end();
             header = true;
@@ -449,6 +472,35 @@ Setup parse(const std::string& text) {
         throw SetupError(number, "the setup holds no keyer node");
     }
     return setup;
+}
+
+// Version 1 kept a second-generation group's slots in inputs of their own
+// ("slot1" .. "slot6") beside its selected node; they now go, in that order
+// after the selected node, into its selected-nodes value.
+void upgradeSecondGenerationSlots(Section& group) {
+    InputLine refs;
+    refs.line = group.line;
+    refs.name = TsTool3::getSelectedNodesName();
+    refs.type = PiValueType::NodeRefList;
+    refs.refs.resize(1 + TsGroupInterface::SlotCount);
+    refs.state.constant = PiNodeRefList(refs.refs.size());
+    std::vector<InputLine> others;
+    for (InputLine& in : group.inputs) {
+        std::size_t at = refs.refs.size();
+        for (std::size_t i = 0; i < refs.refs.size(); ++i) {
+            if (in.name == (i == 0 ? refs.name : "slot" + std::to_string(i))) {
+                at = i;
+            }
+        }
+        if (at == refs.refs.size() || in.type != PiValueType::NodeRef || in.refs.size() != 1) {
+            others.push_back(std::move(in));
+            continue;
+        }
+        refs.refs[at] = in.refs.front();
+        refs.line = in.line;
+    }
+    others.push_back(std::move(refs));
+    group.inputs = std::move(others);
 }
 
 // Checks a section against a node of the same kind (a scratch node, not the
@@ -532,6 +584,9 @@ bool readSetup(PiNode& keyer, const std::string& text, const std::string& source
     std::map<std::string, PiNodeRef> refs;
     try {
         setup = parse(text);
+        if (setup.version == 1 && setup.group && setup.group->generation == 2) {
+            upgradeSecondGenerationSlots(*setup.group);
+        }
         if (single) {
             if (setup.group) {
                 throw SetupError(setup.group->line, "this is the setup of a keyer group, not of "
@@ -636,6 +691,12 @@ bool readSetup(PiNode& keyer, const std::string& text, const std::string& source
             for (PiAnimKey& k : state.keys) {
                 k.value = resolve(line->refs.at(r++));
             }
+        } else if (line && in.getType() == PiValueType::NodeRefList) {
+            PiNodeRefList list;
+            for (const RefName& ref : line->refs) {
+                list.push_back(resolve(ref));
+            }
+            state.constant = list;
         }
         in.setState(state);
     }
