@@ -8,7 +8,10 @@
 // then the state flips and StateChanged fires with the new state. When the
 // Activated handlers set the state themselves (or take the pointer grab),
 // the press ends there and the state does not flip again: such a toggle
-// shows what the program says, not what the click would have made it.
+// shows what the program says, not what the click would have made it. A
+// toggle whose new state nothing takes (no StateChanged handler, no bound
+// input) never flips under a press: it shows the state its controller gives
+// it, also when the controller ignores the press.
 // Toggles of an exclusive group (radio-like) cannot be switched off by a
 // click, only by switching another one on.
 class PiDualState : public virtual PiWidget {

@@ -50,7 +50,8 @@ public:
     }
 
     // Activated first; the press is used up when the handlers set the state
-    // or took the pointer grab, and then the button does not flip.
+    // or took the pointer grab, or when nothing takes the new state, and
+    // then the button does not flip (see PiDualState).
     void pressed() {
         QAbstractButton* button = _owner.button();
         if (!button) {
@@ -72,7 +73,9 @@ public:
                             {static_cast<float>(coord.x()), static_cast<float>(coord.y())});
         _owner.fire(PiWidget::Activated, event);
         inPress = false;
-        used = stateSet || (!grabbed && UiGrab::pointer().isGrabbed());
+        const bool stateTaken =
+            _owner._binding || _owner.getCallbackCount(PiWidget::StateChanged) > 0;
+        used = stateSet || (!grabbed && UiGrab::pointer().isGrabbed()) || !stateTaken;
         if (used && (button = _owner.button())) {
             button->setDown(false);
         }
