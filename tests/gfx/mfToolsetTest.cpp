@@ -66,12 +66,15 @@ protected:
 
 TEST_F(ToolsetScene, TheFirstToolAppendedIsCurrent) {
     EXPECT_EQ(handler->getCurrentTool(), "pick 1");
+    // A handler that joins hears of the current tool at once.
+    EXPECT_EQ(changes, 1);
     EXPECT_EQ(handler->getCurrentMfTool(), tools["pick 1"]);
     EXPECT_EQ(handler->getToolset()->getToolNames(),
               (std::vector<std::string>{"pick 1", "pick 2", "sample", "adjust"}));
 }
 
 TEST_F(ToolsetScene, ATransientToolReturnsToThePreviousToolAfterOneManipulation) {
+    changes = 0;
     handler->setCurrentTool("sample");
     handler->setCurrentTool("pick 2");
     EXPECT_EQ(transient->getReturnTool(), "sample");

@@ -28,6 +28,9 @@ public:
     virtual bool performSetCurrentTool(const std::string& name) = 0;
 
     // Handlers are not owned; a handler that is destroyed leaves by itself.
+    // A handler that joins is called once at once, so that whatever it shows
+    // follows the current tool from the start (a panel built while a tool is
+    // current shows that tool).
     void addToolChangedCb(CbHandler<CbEmptyType>* handler);
     void removeToolChangedCb(CbHandler<CbEmptyType>* handler);
 

@@ -40,7 +40,12 @@ void PiCurrentToolEventHandler::setCurrentTool(const std::string& name) {
 }
 
 void PiCurrentToolEventHandler::addToolChangedCb(CbHandler<CbEmptyType>* handler) {
+    if (!handler || _toolChanged.holds(handler)) {
+        return;
+    }
     _toolChanged.addHandler(handler);
+    CbEmptyType current;
+    handler->callback(current);
 }
 
 void PiCurrentToolEventHandler::removeToolChangedCb(CbHandler<CbEmptyType>* handler) {
