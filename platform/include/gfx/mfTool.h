@@ -32,7 +32,9 @@ class VwView;
 //   predicate holds and that the pointer hits and calls giveFeedback
 //   (highlight and cursor), or endFeedback when the feedback ends.
 // Events used by the protocol are marked processed; handleEvent answers
-// whether the event is processed.
+// whether the event is processed. Feedback uses up pointer events only: a
+// key that changes or ends the feedback goes on to whatever else takes
+// keys (the tool's own keys, the viewer's).
 //
 // Undo: everything a manipulation changes, from grasp to release, is one
 // step on the command stack of the viewer's graph (PiViewer::getCommandStack),
@@ -100,6 +102,8 @@ private:
     void abandon();
     void remember(const PiEventContext& context);
     const LiString& undoName() const;
+    // Marks a pointer event processed (see the class comment).
+    static void usedForFeedback(EvEvent& event);
 
     Manipulators _manipulators;
     LiString _undoString;

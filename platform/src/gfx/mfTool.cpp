@@ -205,7 +205,7 @@ void MfTool::giveFeedback(const PiEventContext& context, MfManipulator& manipula
         _feedback = &manipulator;
         context.getViewer().redraw();
     }
-    context.getEvent().setProcessed(true);
+    usedForFeedback(context.getEvent());
 }
 
 void MfTool::endFeedback(const PiEventContext& context) {
@@ -214,7 +214,13 @@ void MfTool::endFeedback(const PiEventContext& context) {
         _feedback = nullptr;
         context.getViewer().redraw();
     }
-    context.getEvent().setProcessed(true);
+    usedForFeedback(context.getEvent());
+}
+
+void MfTool::usedForFeedback(EvEvent& event) {
+    if (event.isA<EvPointerEvent>()) {
+        event.setProcessed(true);
+    }
 }
 
 RCShdPtr<WsCursor> MfTool::getActiveCursor() const {
