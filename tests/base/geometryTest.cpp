@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 CoAffineMatrixTyped<float> boxMatrix() {
@@ -58,13 +60,16 @@ TEST(CoAffineMatrixTyped, InverseRoundTripsCornersOfTheCube) {
     }
 }
 
-TEST(CoAffineMatrixTyped, SingularMatrixIsRefused) {
+TEST(CoAffineMatrixTyped, SingularMatrixHasNoInverse) {
     CoAffineMatrixTyped<float> flat;
     flat.set(2, 2, 0.0f);
     CoAffineMatrixTyped<float> out;
     EXPECT_FALSE(flat.computeInverse(out));
     EXPECT_TRUE(out == CoAffineMatrixTyped<float>::IDENTITY);
-    EXPECT_THROW(flat.computeInverse(), ExAssertionFailed);
+    const CoAffineMatrixTyped<float> none = flat.computeInverse();
+    for (float element : none.storage()) {
+        EXPECT_TRUE(std::isnan(element));
+    }
 }
 
 TEST(GeAffineMatrix3, TranslationAndInverse) {

@@ -54,8 +54,9 @@ public:
     // The general inverse (cofactors); a singular or non-finite matrix answers
     // false and leaves out alone.
     bool computeInverse(CoAffineMatrixTyped& out) const;
-    // The inverse of a matrix known to be regular; a singular one throws
-    // ExAssertionFailed.
+    // The inverse; a singular or non-finite matrix has none and answers the
+    // matrix whose every element is NaN, so that every point computed from
+    // it is not a number (see TsUtils for what a colour box makes of that).
     CoAffineMatrixTyped computeInverse() const;
 
     bool operator==(const CoAffineMatrixTyped& o) const = default;

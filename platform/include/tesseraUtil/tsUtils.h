@@ -13,6 +13,13 @@
 // each component of B (r, g, b, 1) lies in [-1, 1]. The identity stands for
 // "no box sampled yet", so a box fitted to colours never comes out as the
 // exact identity (see avoidIdentity).
+//
+// A singular B (a zero scale, which a setup or a script can store) is no
+// box either: along its degenerate direction it is unbounded (or empty), so
+// it has no finite corners to fit around. Its corners, the cube's corners
+// mapped back through B's inverse, are not a number (computeInverse), and
+// computeMinimalBoxMatrix skips them: a pick that adds to a singular box
+// fits the picked colours alone, as a pick on no box does.
 class TsUtils {
 public:
     // The smallest half-extent of a fitted box, in colour units. A pick of one

@@ -1,5 +1,6 @@
-#include <base/assertions.h>
 #include <base/coAffineMatrixTyped.h>
+
+#include <limits>
 
 template <class T>
 bool CoAffineMatrixTyped<T>::computeInverse(CoAffineMatrixTyped& out) const {
@@ -65,7 +66,7 @@ template <class T>
 CoAffineMatrixTyped<T> CoAffineMatrixTyped<T>::computeInverse() const {
     CoAffineMatrixTyped out;
     if (!computeInverse(out)) {
-        Assertions::fail("matrix is regular");
+        out._m.fill(std::numeric_limits<T>::quiet_NaN());
     }
     return out;
 }
