@@ -173,14 +173,33 @@ void HostSession::showPanels() {
 
 void HostSession::followKeyer() {
     const RCShdPtr<TsKeyerNode> keyer = _scene->getActiveNode();
-    if (keyer.get() == _shown.get() && _viewer->getNode().get() == keyer.get()) {
+    if (keyer.get() != _shown.get() || _viewer->getNode().get() != keyer.get()) {
+        _shown = keyer;
+        exContain("session: showing " + (keyer ? keyer->getName() : std::string("no node")),
+                  [&] { _viewer->setNode(keyer); });
+        if (_mainPanel) {
+            showPanels();
+        }
+    }
+    selectShown();
+}
+
+void HostSession::selectShown() {
+    if (!_shown || getCommandStack().isReplaying()) {
         return;
     }
-    _shown = keyer;
-    exContain("session: showing " + (keyer ? keyer->getName() : std::string("no node")),
-              [&] { _viewer->setNode(keyer); });
-    if (_mainPanel) {
-        showPanels();
+    const RCShdPtr<PiNode> selected = nodeOf(SnSelection::getCurrent()->first());
+    if (!selected || selected.get() == _shown.get()) {
+        return;
+    }
+    const RCShdPtr<TsKeyerGroup>& group = getKeyer();
+    const bool left = !selected->getGraphPtr();
+    const bool other = selected->getParent() == group.get() &&
+                       dynamic_cast<TsKeyerNode*>(selected.get()) &&
+                       group->getSelectedNode().get() == _shown.get();
+    if (left || other) {
+        exContain("session: selection",
+                  [&] { SnSelection::getCurrent()->setItems({PiSnItemUtil::create(_shown)}); });
     }
 }
 
@@ -232,7 +251,8 @@ bool HostSession::remove(const RCShdPtr<PiNode>& node) {
         return false;
     }
     bool removed = false;
-    exContain("session: removing " + node->getName(), [&] { removed = group->removeNode(node); });
+    exContain("session: removing " + node->getName(),
+              [&] { removed = group->removeKeyerNode(node); });
     followKeyer();
     settle();
     return removed;

@@ -40,7 +40,10 @@ class TsDemoPlate;
 // first keyer node when none is selected) and moves on when that node is
 // selected away, removed or brought back by an undo. Selecting a keyer node of
 // the group in the application's selection selects it in the group (an undo
-// step of the keyer's, "Select Node").
+// step of the keyer's, "Select Node"); the other way round, when the viewer
+// has moved on, an application's selection that holds another keyer node of
+// the group, or a node that left it, becomes the shown node, so that the
+// panels show the node the viewer shows.
 //
 // Widgets that pick from any viewer (a panel's key-colour pick) find the
 // viewer through the application's main window: unless the program set one,
@@ -140,6 +143,7 @@ private:
     void selectedNodeChanged(const PiNodeEvent& event);
     void nodeRemoved(const PiNodeEvent& event);
     void followKeyer();
+    void selectShown();
     void attachGroup();
     void showPanels();
     void detachGroup();

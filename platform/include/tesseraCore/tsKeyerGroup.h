@@ -31,6 +31,12 @@ public:
     RCShdPtr<TsKeyerNode> findKeyerNode(const LiString& name) const;
     // Adds a keyer node (its name made unique in the group).
     RCShdPtr<TsKeyerNode> addKeyerNode(const LiString& name);
+    // Removes a node of the group (not a boundary node) as one undo step,
+    // "Remove Node": the node first leaves the slots that hold it and, when
+    // it was the selected node, the selection moves to the first other keyer
+    // node, so that undo brings the node back before the slots and the
+    // selection refer to it again. False when the node cannot be removed.
+    bool removeKeyerNode(const RCShdPtr<PiNode>& node);
 
     RCShdPtr<PiNode> getSlotNode(int slot) const;
     int getNodeSlot(const PiNode* node) const;

@@ -127,6 +127,30 @@ RCShdPtr<TsKeyerNode> TsKeyerGroup::addKeyerNode(const LiString& name) {
     return node;
 }
 
+bool TsKeyerGroup::removeKeyerNode(const RCShdPtr<PiNode>& node) {
+    if (!node || node->getParent() != this || dynamic_cast<const PiBoundaryNode*>(node.get())) {
+        return false;
+    }
+    const TsUndoStep step(*this, "Remove Node");
+    Refs refs = getRefs();
+    const PiNodeRef gone{node->getId()};
+    for (std::size_t i = 1; i < refs.size(); ++i) {
+        if (refs[i] == gone) {
+            refs[i] = PiNodeRef{};
+        }
+    }
+    if (refs[0] == gone) {
+        refs[0] = PiNodeRef{};
+        for (int i = 0; i < getKeyerNodeCount() && refs[0].isNone(); ++i) {
+            if (getKeyerNode(i) != node) {
+                refs[0] = PiNodeRef{getKeyerNode(i)->getId()};
+            }
+        }
+    }
+    setRefs(refs);
+    return removeNode(node);
+}
+
 RCShdPtr<PiNode> TsKeyerGroup::resolve(const PiNodeRef& ref) const {
     if (ref.isNone()) {
         return RCShdPtr<PiNode>();
