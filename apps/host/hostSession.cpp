@@ -25,6 +25,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
+#include <QRect>
 
 #include <algorithm>
 
@@ -69,6 +70,12 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
     _viewer->setDisplayTransform(&TsColour::getDisplayTransform());
     UiWorkspace::getInstance().addViewer(_viewer.get());
     _mainPanel = std::make_unique<UiPanel>("main", panelParent);
+    if (!panelParent) {
+        // A window of its own stands beside the viewer's, as on a desktop: a
+        // click on the panel is no click on the viewer.
+        const QRect viewerWindow = _viewer->window()->frameGeometry();
+        _mainPanel->move(viewerWindow.right() + 1, viewerWindow.top());
+    }
     if (!UiApplication::getInstance().getMainWindow()) {
         _mainWindow = std::make_unique<UiMainWindow>(_viewer->window());
         UiApplication::getInstance().setMainWindow(_mainWindow.get());

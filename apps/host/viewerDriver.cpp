@@ -20,23 +20,6 @@
 
 namespace {
 
-Qt::KeyboardModifiers toQtModifiers(unsigned mask) {
-    Qt::KeyboardModifiers m;
-    if (mask & EvKeyboardState::ShiftMask) {
-        m |= Qt::ShiftModifier;
-    }
-    if (mask & EvKeyboardState::AltMask) {
-        m |= Qt::AltModifier;
-    }
-    if (mask & EvKeyboardState::CtrlMask) {
-        m |= Qt::ControlModifier;
-    }
-    if (mask & EvKeyboardState::MetaMask) {
-        m |= Qt::MetaModifier;
-    }
-    return m;
-}
-
 Qt::MouseButton toQtButton(EvButton button) {
     switch (button) {
     case EvButton::Left:
@@ -151,7 +134,8 @@ void ViewerDriver::pointer(int type, const GePoint2<double>& plate, unsigned mod
     }
     QMouseEvent event(static_cast<QEvent::Type>(type), local, _viewer.mapToGlobal(local),
                       type == QEvent::MouseMove ? Qt::NoButton : qtButton,
-                      Qt::MouseButtons(static_cast<int>(_buttons)), toQtModifiers(modifiers));
+                      Qt::MouseButtons(static_cast<int>(_buttons)),
+                      UiQtEvents::toQtModifiers(modifiers));
     QCoreApplication::sendEvent(&_viewer, &event);
 }
 
@@ -191,7 +175,8 @@ bool ViewerDriver::key(int type, EvKeyCode::KeyCode code, unsigned modifiers) {
         return false;
     }
     const QString text = qtKey >= 0x20 && qtKey <= 0x7e ? QString(QChar(qtKey)) : QString();
-    QKeyEvent event(static_cast<QEvent::Type>(type), qtKey, toQtModifiers(modifiers), text);
+    QKeyEvent event(static_cast<QEvent::Type>(type), qtKey, UiQtEvents::toQtModifiers(modifiers),
+                    text);
     QCoreApplication::sendEvent(&_viewer, &event);
     return true;
 }

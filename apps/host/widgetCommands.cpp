@@ -8,17 +8,23 @@
 #include <pluginAPI/piContainer.h>
 #include <ui/uiContainer.h>
 #include <ui/uiDualState.h>
+#include <ui/uiGrab.h>
 #include <ui/uiLabel.h>
 #include <ui/uiMenu.h>
 #include <ui/uiNodeWidget.h>
 #include <ui/uiPushButton.h>
+#include <ui/uiQtEvents.h>
 #include <ui/uiTrackball.h>
 #include <ui/uiValueEditor.h>
 #include <ui/uiWidgetAdapter.h>
 
+#include <QCoreApplication>
+#include <QMouseEvent>
+#include <QPointer>
 #include <QWidget>
 
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -55,6 +61,55 @@ EvKeyboardState keysOf(SessionArgs& args) {
 
 std::string yesNo(bool b) {
     return b ? "true" : "false";
+}
+
+// Notes, and takes, the pointer presses and releases that reach a widget.
+class PressCatcher : public QObject {
+public:
+    explicit PressCatcher(QWidget* widget)
+        : _widget(widget) {
+        widget->installEventFilter(this);
+    }
+    ~PressCatcher() override {
+        if (_widget) {
+            _widget->removeEventFilter(this);
+        }
+    }
+    bool eventFilter(QObject*, QEvent* event) override {
+        const bool press = event->type() == QEvent::MouseButtonPress;
+        if (press || event->type() == QEvent::MouseButtonRelease) {
+            reached = reached || press;
+            return true;
+        }
+        return false;
+    }
+
+    bool reached = false;
+
+private:
+    QPointer<QWidget> _widget;
+};
+
+// Whether a click on the widget reaches it. While a handler holds the
+// pointer grab, the window system hands the click to the handler first (a
+// pick started from a panel ends there); the widget acts only when the
+// handler lets the press through. Without a grab every click reaches it.
+bool clickReaches(PiWidget& widget, const EvKeyboardState& keys) {
+    auto* adapter = dynamic_cast<UiWidgetAdapter*>(&widget);
+    QWidget* w = adapter ? adapter->getLiveWidget() : nullptr;
+    if (!UiGrab::pointer().isGrabbed() || !w) {
+        return true;
+    }
+    const PressCatcher catcher(w);
+    const QPointF centre(w->width() / 2.0, w->height() / 2.0);
+    const Qt::KeyboardModifiers modifiers = UiQtEvents::toQtModifiers(keys.getModifierMask());
+    for (const QEvent::Type type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+        QMouseEvent event(type, centre, w->mapToGlobal(centre), Qt::LeftButton,
+                          type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                          modifiers);
+        QCoreApplication::sendEvent(w, &event);
+    }
+    return catcher.reached;
 }
 
 } // namespace
@@ -156,17 +211,22 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
             throw SessionArgs::Error(t.label() + " is disabled");
         }
         PiWidget* w = t.widget.get();
+        // What the user's hand does, once the line is read whole.
+        std::function<void()> act;
+        EvKeyboardState keys;
         if (action == "toggle") {
             auto* toggle = dynamic_cast<UiDualState*>(w);
             if (!toggle) {
                 throw t.wrongKind("be toggled");
             }
-            toggle->click(keysOf(a));
+            keys = keysOf(a);
+            act = [toggle, &keys] { toggle->click(keys); };
         } else if (action == "press") {
+            keys = keysOf(a);
             if (auto* toggle = dynamic_cast<UiDualState*>(w)) {
-                toggle->click(keysOf(a));
+                act = [toggle, &keys] { toggle->click(keys); };
             } else if (auto* button = dynamic_cast<UiPushButton*>(w)) {
-                button->click(keysOf(a));
+                act = [button, &keys] { button->click(keys); };
             } else {
                 throw t.wrongKind("be pressed");
             }
@@ -196,14 +256,16 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
                     throw SessionArgs::Error(t.label() + " has no entry " + quoted(entry));
                 }
             }
-            menu->choose(index, keysOf(a));
+            keys = keysOf(a);
+            act = [menu, index, &keys] { menu->choose(index, keys); };
         } else if (action == "set") {
             auto* field = dynamic_cast<UiValueEditor*>(w);
             if (!field) {
                 throw t.wrongKind("take a number");
             }
             const double value = a.number("value");
-            field->enter(value, keysOf(a));
+            keys = keysOf(a);
+            act = [field, value, &keys] { field->enter(value, keys); };
         } else if (action == "drag") {
             auto* ball = dynamic_cast<UiTrackball*>(w);
             if (!ball) {
@@ -218,7 +280,10 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
                     throw SessionArgs::Error("a drag takes 1 to 100000 steps");
                 }
             }
-            ball->drag(static_cast<float>(dx), static_cast<float>(dy), steps, keysOf(a));
+            keys = keysOf(a);
+            act = [ball, dx, dy, steps, &keys] {
+                ball->drag(static_cast<float>(dx), static_cast<float>(dy), steps, keys);
+            };
         } else {
             auto* label = dynamic_cast<UiLabel*>(w);
             if (!label) {
@@ -228,9 +293,15 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
             if (width < 0 || width > 16384) {
                 throw SessionArgs::Error("a width is 0 to 16384 pixels");
             }
+            a.end();
+            // A resize is the window's, not a click.
             label->setWidth(width);
+            return;
         }
         a.end();
+        if (clickReaches(*w, keys)) {
+            act();
+        }
     });
 
     SessionProbe& probe = interpreter.getProbe();

@@ -47,6 +47,7 @@
 #include <tesseraCore/tsMgTool.h>
 #include <tesseraUtil/tsMgUtils.h>
 #include <ui/uiApplication.h>
+#include <ui/uiQtEvents.h>
 #include <ui/uiViewer.h>
 #include <ui/uiWidget.h>
 
@@ -261,7 +262,8 @@ protected:
     // Pointer gestures at world points, through the widget.
     void mouse(QEvent::Type type, const GePoint2<float>& world, unsigned modifiers) {
         const GePoint2<float> p = at(world);
-        sendMouse(viewer.get(), type, QPointF(p.x, p.y), Qt::LeftButton, qtModifiers(modifiers));
+        sendMouse(viewer.get(), type, QPointF(p.x, p.y), Qt::LeftButton,
+                  UiQtEvents::toQtModifiers(modifiers));
     }
     void click(const GePoint2<float>& world, unsigned modifiers = 0) {
         mouse(QEvent::MouseButtonPress, world, modifiers);

@@ -42,6 +42,7 @@
 #include <ui/uiApplication.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiPanel.h>
+#include <ui/uiQtEvents.h>
 #include <ui/uiViewer.h>
 
 #include <QCoreApplication>
@@ -165,7 +166,8 @@ protected:
     // Pointer gestures at world points, through the widget.
     void mouse(QEvent::Type type, const GePoint2<float>& world, unsigned modifiers = 0) {
         const GePoint2<float> p = at(world);
-        sendMouse(viewer.get(), type, QPointF(p.x, p.y), Qt::LeftButton, qtModifiers(modifiers));
+        sendMouse(viewer.get(), type, QPointF(p.x, p.y), Qt::LeftButton,
+                  UiQtEvents::toQtModifiers(modifiers));
     }
     void press(const GePoint2<float>& world, unsigned modifiers = 0) {
         mouse(QEvent::MouseButtonPress, world, modifiers);

@@ -8,24 +8,6 @@
 
 // Window-system input as the user makes it, sent to a widget.
 
-// The Qt modifiers of an EvKeyboardState modifier mask.
-inline Qt::KeyboardModifiers qtModifiers(unsigned mask) {
-    Qt::KeyboardModifiers qt;
-    if (mask & EvKeyboardState::ShiftMask) {
-        qt |= Qt::ShiftModifier;
-    }
-    if (mask & EvKeyboardState::CtrlMask) {
-        qt |= Qt::ControlModifier;
-    }
-    if (mask & EvKeyboardState::AltMask) {
-        qt |= Qt::AltModifier;
-    }
-    if (mask & EvKeyboardState::MetaMask) {
-        qt |= Qt::MetaModifier;
-    }
-    return qt;
-}
-
 // A press, move or release of `button` at a point of the widget. A move
 // holds the button unless `held` says otherwise; a release holds nothing.
 inline void sendMouse(QWidget* widget, QEvent::Type type, const QPointF& local,

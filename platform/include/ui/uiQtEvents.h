@@ -15,8 +15,9 @@ class UiQtEvents {
 public:
     // KeyNone for a key the host does not name.
     static EvKeyCode::KeyCode toKeyCode(int qtKey);
-    // An EvKeyboardState mask.
+    // An EvKeyboardState mask, and back.
     static unsigned toModifierMask(Qt::KeyboardModifiers modifiers);
+    static Qt::KeyboardModifiers toQtModifiers(unsigned mask);
     // The button of a press or release, or for a move the button held (left
     // first, then middle, then right).
     static EvButton toButton(const QMouseEvent& event);

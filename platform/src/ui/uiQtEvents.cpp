@@ -75,6 +75,23 @@ unsigned UiQtEvents::toModifierMask(Qt::KeyboardModifiers modifiers) {
     return mask;
 }
 
+Qt::KeyboardModifiers UiQtEvents::toQtModifiers(unsigned mask) {
+    Qt::KeyboardModifiers modifiers;
+    if (mask & EvKeyboardState::ShiftMask) {
+        modifiers |= Qt::ShiftModifier;
+    }
+    if (mask & EvKeyboardState::AltMask) {
+        modifiers |= Qt::AltModifier;
+    }
+    if (mask & EvKeyboardState::CtrlMask) {
+        modifiers |= Qt::ControlModifier;
+    }
+    if (mask & EvKeyboardState::MetaMask) {
+        modifiers |= Qt::MetaModifier;
+    }
+    return modifiers;
+}
+
 EvButton UiQtEvents::toButton(const QMouseEvent& event) {
     const Qt::MouseButtons held =
         event.type() == QEvent::MouseMove ? event.buttons() : Qt::MouseButtons(event.button());
