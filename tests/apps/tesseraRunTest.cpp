@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -125,6 +126,45 @@ TEST_F(TesseraRunScene, WithoutArgumentsTheDemoKeysTheDemoPlateAndWritesItsOutpu
                                      << "expect input degrain.on == true\n";
     const Result check = run("cd " + dir.string() + " && " + runner + " --quiet check.tss");
     EXPECT_EQ(check.status, 0) << check.out;
+}
+
+// Every session-script example of the docs (a block fenced as ```tss in
+// docs/*.md) runs, so that the docs say what tessera-run does. An example
+// is replayed from a script whose lines are numbered as in its document, so
+// that a failure names the document's line.
+TEST_F(TesseraRunScene, EveryExampleInTheDocsRuns) {
+    const std::filesystem::path docs =
+        std::filesystem::path(std::getenv("TESSERA_SOURCE_DIR")) / "docs";
+    int examples = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(docs)) {
+        if (entry.path().extension() != ".md") {
+            continue;
+        }
+        const std::string doc = entry.path().filename().string();
+        std::ifstream in(entry.path());
+        std::string line;
+        std::string example;
+        int number = 0;
+        int start = 0;
+        while (std::getline(in, line)) {
+            ++number;
+            if (!start && line == "```tss") {
+                start = number;
+                example = std::string(static_cast<std::size_t>(number), '\n');
+            } else if (start && line == "```") {
+                const Result r = run(runner + " --quiet --out " + (dir / "out").string() + " " +
+                                     script(doc + ".tss", example));
+                EXPECT_EQ(r.status, 0) << "the example of " << doc << " at line " << start << ":\n"
+                                       << r.out;
+                ++examples;
+                start = 0;
+            } else if (start) {
+                example += line + "\n";
+            }
+        }
+        EXPECT_EQ(start, 0) << "an example of " << doc << " is not closed";
+    }
+    EXPECT_GT(examples, 0);
 }
 
 } // namespace
