@@ -6,7 +6,7 @@
 # itself and the standard library (Q* for Qt). The order is the layering,
 # bottom first.
 set(layers
-    "base"
+    "base sys"
     "resmgt base"
     "pluginAPI base resmgt"
     "tesseraUtil base"

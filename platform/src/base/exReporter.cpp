@@ -2,6 +2,7 @@
 #include <base/exReporter.h>
 
 #include <iostream>
+#include <new>
 
 ExReporter& ExReporter::getInstance() {
     // Never destroyed: plugin statics may report while the program exits.
@@ -36,6 +37,10 @@ void ExReporter::reportException(const std::string& source, const std::exception
     if (auto* a = dynamic_cast<const ExAssertionFailed*>(&ex)) {
         report(source, "assertion failed: \"" + a->getExpression() + "\" at " + a->getPath() +
                            ", line " + std::to_string(a->getLine()));
+        return;
+    }
+    if (dynamic_cast<const std::bad_alloc*>(&ex)) {
+        report(source, "not enough memory");
         return;
     }
     report(source, ex.what());
