@@ -33,8 +33,9 @@ void NodeCommands::add(SessionInterpreter& interpreter) {
         const RCShdPtr<PiNode> node = nodeArg(a);
         const std::string name = a.word("new name");
         a.end();
-        if (name.empty() || name.find('/') != std::string::npos) {
-            throw SessionArgs::Error("a node name is not empty and holds no '/'");
+        const LiString wrong = PiNode::checkName(name);
+        if (!wrong.empty()) {
+            throw SessionArgs::Error(wrong);
         }
         s.rename(node, name);
     });

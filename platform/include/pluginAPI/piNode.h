@@ -6,6 +6,7 @@
 #include <pluginAPI/piNodeController.h>
 #include <resmgt/liString.h>
 
+#include <unordered_map>
 #include <vector>
 
 class PiGraph;
@@ -26,8 +27,16 @@ public:
     // its group's. A name another node of the group has gets a number
     // appended (PiGroupNode::makeUniqueName). In a graph a rename is an undo
     // step, "Rename Node" (or joins the step that is open), with the changes
-    // the event's handlers make.
+    // the event's handlers make. A name that is not valid (checkName) is an
+    // assertion failure: whoever takes a name from a user checks it first.
     void setName(const LiString& name);
+
+    // The one rule for a node's name, wherever a name is made or changed
+    // (rename, setups, scripts, the studio): 1 to ZnLimits::NameBytes bytes,
+    // no '/' (it separates a node from its input in scripts), no control
+    // character (a newline, a tab, ...). Answers "" for a valid name, else
+    // what is wrong with it.
+    static LiString checkName(const LiString& name);
 
     // The controller; a plain PiNodeController until a library sets its own.
     const RCShdPtr<PiNodeController>& getController() const { return _controller; }
@@ -36,7 +45,8 @@ public:
     // Inputs, in the order they were added. Names are unique within a node.
     int getInputCount() const { return static_cast<int>(_inputs.size()); }
     const RCShdPtr<PiInput>& getInput(int index) const { return _inputs.at(index); }
-    // Empty when the node has no input of that name.
+    // Empty when the node has no input of that name. Constant time: a keyer
+    // node with ten thousand patches has a hundred and fifty thousand inputs.
     RCShdPtr<PiInput> getInput(const LiString& name) const;
     // Adds an input; a second input of the same name, or an input that
     // already belongs to a node, is an assertion failure.
@@ -71,6 +81,7 @@ private:
     LiString _name;
     RCShdPtr<PiNodeController> _controller;
     std::vector<RCShdPtr<PiInput>> _inputs;
+    std::unordered_map<LiString, std::size_t> _inputIndex; // name -> index in _inputs
     PiGroupNode* _parent = nullptr;
     PiGraph* _graph = nullptr;
 };

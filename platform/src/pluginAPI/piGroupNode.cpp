@@ -2,6 +2,7 @@
 #include <pluginAPI/piGroupNode.h>
 
 #include <base/assertions.h>
+#include <base/znLimits.h>
 #include <pluginAPI/piCommandStack.h>
 
 #include <algorithm>
@@ -63,7 +64,15 @@ LiString PiGroupNode::makeUniqueName(const LiString& base) const {
         return base;
     }
     for (int i = 2;; ++i) {
-        LiString candidate = base + std::to_string(i);
+        // The number fits within the longest name: the base gives way, cut
+        // before a character that UTF-8 continues.
+        const std::string number = std::to_string(i);
+        std::size_t keep = std::min(base.size(), ZnLimits::NameBytes - number.size());
+        while (keep > 0 && keep < base.size() &&
+               (static_cast<unsigned char>(base[keep]) & 0xC0) == 0x80) {
+            --keep;
+        }
+        LiString candidate = base.substr(0, keep) + number;
         if (!findNode(candidate)) {
             return candidate;
         }

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include <base/assertions.h>
+#include <base/znLimits.h>
 #include <pluginAPI/piCommandStack.h>
 
 #include <optional>
@@ -26,9 +27,31 @@ PiNode::~PiNode() {
     }
 }
 
+LiString PiNode::checkName(const LiString& name) {
+    if (name.empty()) {
+        return "a node's name is not empty";
+    }
+    if (name.size() > ZnLimits::NameBytes) {
+        return "a node's name is at most " + std::to_string(ZnLimits::NameBytes) +
+               " bytes long, not " + std::to_string(name.size());
+    }
+    for (const char c : name) {
+        if (c == '/') {
+            return "a node's name holds no '/'";
+        }
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
+            return "a node's name holds no control character (a newline, a tab, ...)";
+        }
+    }
+    return "";
+}
+
 void PiNode::setName(const LiString& requested) {
     if (requested == _name) {
         return;
+    }
+    if (!checkName(requested).empty()) {
+        Assertions::fail("checkName(name).empty()");
     }
     // Names are unique within a group, so that a name finds one node (and a
     // saved setup, which refers to nodes by name, loads back).
@@ -76,12 +99,8 @@ void PiNode::setController(const RCShdPtr<PiNodeController>& controller) {
 }
 
 RCShdPtr<PiInput> PiNode::getInput(const LiString& name) const {
-    for (const RCShdPtr<PiInput>& input : _inputs) {
-        if (input->getName() == name) {
-            return input;
-        }
-    }
-    return RCShdPtr<PiInput>();
+    const auto it = _inputIndex.find(name);
+    return it == _inputIndex.end() ? RCShdPtr<PiInput>() : _inputs[it->second];
 }
 
 void PiNode::addInput(const RCShdPtr<PiInput>& input) {
@@ -91,16 +110,24 @@ void PiNode::addInput(const RCShdPtr<PiInput>& input) {
     if (input->getNode() || getInput(input->getName())) {
         Assertions::fail("input of no node, with a name new to this node");
     }
+    _inputIndex.emplace(input->getName(), _inputs.size());
     _inputs.push_back(input);
     input->setNode(this);
 }
 
 void PiNode::removeInput(const RCShdPtr<PiInput>& input) {
-    const auto it = std::find(_inputs.begin(), _inputs.end(), input);
-    if (it == _inputs.end()) {
+    const auto indexed = input ? _inputIndex.find(input->getName()) : _inputIndex.end();
+    if (indexed == _inputIndex.end() || _inputs[indexed->second] != input) {
         Assertions::fail("an input of this node");
     }
-    _inputs.erase(it);
+    const std::size_t at = indexed->second;
+    _inputIndex.erase(indexed);
+    _inputs.erase(_inputs.begin() + static_cast<std::ptrdiff_t>(at));
+    // The inputs after it move up one (none when it was the last: a patch
+    // dropped again).
+    for (std::size_t i = at; i < _inputs.size(); ++i) {
+        _inputIndex[_inputs[i]->getName()] = i;
+    }
     input->setNode(nullptr);
 }
 
