@@ -8,12 +8,14 @@
 #include <tesseraCore/render/tsViewRender.h>
 #include <ui/uiViewer.h>
 
+#include <base/fsAtomicFile.h>
+
+#include <QBuffer>
+#include <QByteArray>
 #include <QImage>
 #include <QPixmap>
 
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 
 OutputWriter::OutputWriter(HostSession& session)
     : _session(session) {}
@@ -31,7 +33,7 @@ bool OutputWriter::write(const std::string& kind, const std::string& path, std::
     } else if (kind == "setup") {
         ok = _session.saveSetup(path, error);
     } else if (kind == "summary") {
-        ok = writeText(SessionSummary::text(_session, _written), path, error);
+        ok = writeBytes(SessionSummary::text(_session, _written), path, error);
     } else {
         ok = writeView(kind, path, error);
     }
@@ -67,39 +69,21 @@ bool OutputWriter::writeViewer(const std::string& path, std::string& error) {
         return false;
     }
     const QImage image = _session.getViewer().grab().toImage();
-    const std::string temporary = path + ".part";
-    if (image.isNull() || !image.save(QString::fromStdString(temporary), "PNG")) {
-        std::remove(temporary.c_str());
-        error = "cannot write \"" + path + "\"";
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    if (image.isNull() || !image.save(&buffer, "PNG")) {
+        error = "cannot write \"" + path + "\": the viewer gave no image to encode";
         return false;
     }
-    std::error_code ec;
-    std::filesystem::rename(temporary, path, ec);
-    if (ec) {
-        std::remove(temporary.c_str());
-        error = "cannot write \"" + path + "\": " + ec.message();
-        return false;
-    }
-    return true;
+    return writeBytes(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())),
+                      path, error);
 }
 
-bool OutputWriter::writeText(const std::string& text, const std::string& path, std::string& error) {
-    const std::string temporary = path + ".part";
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << text;
-        if (!out.flush()) {
-            error = "cannot write \"" + path + "\"";
-            out.close();
-            std::remove(temporary.c_str());
-            return false;
-        }
-    }
-    std::error_code ec;
-    std::filesystem::rename(temporary, path, ec);
-    if (ec) {
-        std::remove(temporary.c_str());
-        error = "cannot write \"" + path + "\": " + ec.message();
+bool OutputWriter::writeBytes(std::string_view bytes, const std::string& path, std::string& error) {
+    std::string reason;
+    if (!FsAtomicFile::write(path, bytes, reason)) {
+        error = "cannot write \"" + path + "\": " + reason;
         return false;
     }
     return true;

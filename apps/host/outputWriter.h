@@ -3,6 +3,7 @@
 #include "sessionSummary.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 class HostSession;
@@ -15,16 +16,18 @@ class HostSession;
 //   viewer   the viewer as it shows now, the tools' overlay included (PNG)
 //   setup    the keyer's setup (TsSetup)
 //   summary  the session's summary (SessionSummary)
-// A write that fails answers false and says why; nothing is left half
-// written where the writer can help it.
+// Every file is written whole or not at all (FsAtomicFile): a write that
+// fails (a full disk, a file size limit, a target that is not a regular
+// file) answers false with the file and the reason, and leaves an earlier
+// file as it was.
 class OutputWriter {
 public:
     explicit OutputWriter(HostSession& session);
 
     static const std::vector<std::string>& getKinds();
-    // Writes text beside the file, then renames it over the file, so that a
-    // failed write leaves whatever was there.
-    static bool writeText(const std::string& text, const std::string& path, std::string& error);
+    // Writes the file whole or not at all (FsAtomicFile): a failed write
+    // leaves whatever was there, and `error` names the file and the reason.
+    static bool writeBytes(std::string_view bytes, const std::string& path, std::string& error);
 
     bool write(const std::string& kind, const std::string& path, std::string& error);
     const SessionSummary::Outputs& getWritten() const { return _written; }

@@ -27,10 +27,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
-
 namespace {
 
 std::string modifierWords(unsigned mask) {
@@ -166,7 +162,7 @@ std::string SessionRecorder::getText() const {
 }
 
 bool SessionRecorder::save(const std::string& path, std::string& error) const {
-    return OutputWriter::writeText(getText(), path, error);
+    return OutputWriter::writeBytes(getText(), path, error);
 }
 
 // The view as the replay must have it before the next event: the window's

@@ -4,6 +4,8 @@
 #include "host/hostPackages.h"
 #include "host/sessionScript.h"
 
+#include <tesseraCore/io/tsPlateIO.h>
+
 #include <QApplication>
 
 #include <iostream>
@@ -14,12 +16,15 @@ namespace {
 
 void usage(std::ostream& os) {
     os << "usage: tessera-studio [--demo] [--plate FILE] [--script SESSION] [--record FILE]\n"
+          "                      [--max-plate-pixels N]\n"
           "\n"
           "  --demo            start on the built-in demo plate and its background\n"
           "  --plate FILE      start on a plate file\n"
           "  --script SESSION  carry out a session script first (docs/session-scripts.md)\n"
-          "  --record FILE     write what was done as a session script when the studio closes\n"
-          "                    (File > Save Session Script writes it at any time)\n";
+          "  --record FILE     write what is done as a session script to FILE, from the start\n"
+          "                    to the close (File > Save Session Script writes it at any time)\n"
+          "  --max-plate-pixels N\n"
+          "                    read plates of up to N pixels (default 67108864, 8192 x 8192)\n";
 }
 
 } // namespace
@@ -45,6 +50,12 @@ int main(int argc, char** argv) {
             script = args[++i].toStdString();
         } else if (a == "--record" && i + 1 < args.size()) {
             record = args[++i].toStdString();
+        } else if (a == "--max-plate-pixels" && i + 1 < args.size()) {
+            std::string error;
+            if (!TsPlateIO::setMaxPixels(args[++i].toStdString(), error)) {
+                std::cerr << "tessera-studio: " << error << "\n";
+                return 2;
+            }
         } else {
             std::cerr << "tessera-studio: unexpected argument \"" << a << "\"\n";
             usage(std::cerr);
@@ -55,14 +66,19 @@ int main(int argc, char** argv) {
     int status = 0;
     {
         StudioWindow window;
-        if (demo) {
+        std::string error;
+        if (!record.empty() && !window.recordTo(record, error)) {
+            std::cerr << "tessera-studio: cannot record the session: " << error << "\n";
+            status = 2;
+        }
+        if (status == 0 && demo) {
             window.perform("plate demo");
             window.perform("background demo");
         }
-        if (!plate.empty()) {
+        if (status == 0 && !plate.empty()) {
             window.openPlate(plate);
         }
-        if (!script.empty()) {
+        if (status == 0 && !script.empty()) {
             try {
                 const SessionScript session = SessionScript::read(script);
                 for (const auto& line : session.getLines()) {
@@ -76,9 +92,13 @@ int main(int argc, char** argv) {
                 std::cerr << "tessera-studio: " << e.what() << "\n";
             }
         }
-        window.show();
-        status = QApplication::exec();
-        if (!record.empty() && !window.saveRecording(record)) {
+        if (status == 0) {
+            window.show();
+            status = QApplication::exec();
+        }
+        if (status == 0 && !window.isRecordingWritten()) {
+            std::cerr << "tessera-studio: the recording was not saved: " << window.getRecordError()
+                      << "\n";
             status = 1;
         }
     }

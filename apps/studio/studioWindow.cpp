@@ -24,6 +24,7 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QDockWidget>
 #include <QFileDialog>
@@ -35,6 +36,7 @@
 #include <QScrollArea>
 #include <QSpinBox>
 #include <QStatusBar>
+#include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -175,6 +177,56 @@ bool StudioWindow::saveRecording(const std::string& path) {
     }
     statusBar()->showMessage(QString::fromStdString("Session script saved to " + path));
     return true;
+}
+
+bool StudioWindow::recordTo(const std::string& path, std::string& error) {
+    _recordPath = path;
+    _recorded.clear();
+    _recordError.clear();
+    if (!writeRecording()) {
+        error = _recordError;
+        _recordPath.clear();
+        return false;
+    }
+    if (!_recordTimer) {
+        _recordTimer = new QTimer(this);
+        connect(_recordTimer, &QTimer::timeout, this, [this] { writeRecording(); });
+        _recordTimer->start(2000);
+    }
+    return true;
+}
+
+bool StudioWindow::writeRecording() {
+    const std::string text = _recorder->getText();
+    if (_recordPath.empty() || (text == _recorded && _recordError.empty())) {
+        return true;
+    }
+    std::string error;
+    if (!_recorder->save(_recordPath, error)) {
+        if (error != _recordError) {
+            report(error + " (the recording is kept: File > Save Session Script saves it "
+                           "elsewhere)");
+        }
+        _recordError = error;
+        return false;
+    }
+    _recorded = text;
+    _recordError.clear();
+    _closeWarned = false;
+    return true;
+}
+
+void StudioWindow::closeEvent(QCloseEvent* event) {
+    if (!writeRecording() && !_closeWarned) {
+        // Once more to give the recording up; File > Save Session Script
+        // saves it elsewhere meanwhile.
+        _closeWarned = true;
+        report(_recordError + ": the recording is not saved (File > Save Session Script saves "
+                              "it elsewhere; close again to give it up)");
+        event->ignore();
+        return;
+    }
+    QMainWindow::closeEvent(event);
 }
 
 bool StudioWindow::goToStep(int row) {

@@ -15,6 +15,7 @@ class QComboBox;
 class QLabel;
 class QListWidget;
 class QSpinBox;
+class QTimer;
 class SessionInterpreter;
 class SessionRecorder;
 class UiMainWindow;
@@ -52,12 +53,30 @@ public:
     bool saveSetup(const std::string& path);
     bool exportOutput(const std::string& kind, const std::string& path);
     bool saveRecording(const std::string& path);
+
+    // Records to a file from now on (--record): the recording is written
+    // there at once, so that a file that cannot be written is known before
+    // the session starts (false and `error`), then again a moment after
+    // each change and when the window closes. A later write that fails is
+    // shown in the status line and the recording stays in memory, for File
+    // > Save Session Script to save elsewhere; closing the window then
+    // asks to be repeated before the recording is given up.
+    bool recordTo(const std::string& path, std::string& error);
+    // Writes the recording to its file now, if it changed; false (shown in
+    // the status line) when the write failed.
+    bool writeRecording();
+    // Whether the recording's file holds all of it (true without --record).
+    bool isRecordingWritten() const { return _recordError.empty(); }
+    const std::string& getRecordError() const { return _recordError; }
     // Goes back (or forward) in the history to just after step `row` (0 the
     // oldest; -1 before the first).
     bool goToStep(int row);
 
     // The text of the status line.
     QString getStatusText() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     void buildMenus();
@@ -85,6 +104,11 @@ private:
     QLabel* _reports = nullptr;
     int _listener = 0;
     bool _refreshing = false;
+    std::string _recordPath;
+    std::string _recorded; // what the file holds
+    std::string _recordError;
+    bool _closeWarned = false;
+    QTimer* _recordTimer = nullptr;
     CbMethod<StudioWindow, CbEmptyType> _historyChanged{this, &StudioWindow::historyChanged};
     CbMethod<StudioWindow, CbEmptyType> _handlerChanged{this, &StudioWindow::handlerChanged};
 };

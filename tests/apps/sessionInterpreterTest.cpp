@@ -20,8 +20,8 @@ TEST_F(SessionScene, ABadLineStopsTheRunNamingFileAndLine) {
               "button: left, middle or right)");
     EXPECT_EQ(run("# nothing\nload missing.tessera", "s.tss").rfind("s.tss:2: ", 0), 0u);
     EXPECT_NE(run("load missing.tessera").find("missing.tessera"), std::string::npos);
-    EXPECT_EQ(run("plate nowhere.exr"),
-              "test.tss:1: cannot read plate \"" + path("nowhere.exr") + "\": no such file");
+    EXPECT_EQ(run("plate nowhere.exr"), "test.tss:1: cannot read plate \"" + path("nowhere.exr") +
+                                            "\": No such file or directory");
     EXPECT_EQ(run("select keyer9"), "test.tss:1: no node \"keyer9\" in the keyer");
     EXPECT_EQ(run("undo"), "test.tss:1: there are 0 steps to undo, not 1");
     EXPECT_EQ(run("viewer colour"),

@@ -161,8 +161,8 @@ TEST_F(PlateFiles, OtherFilesAreRefusedAndNamed) {
     EXPECT_NE(error.find(file("notes.txt")), std::string::npos) << error;
     EXPECT_FALSE(TsPlateIO::read(file("fake.exr"), error));
     EXPECT_NE(error.find(file("fake.exr")), std::string::npos) << error;
-    expectRefused(file("missing.exr"), "no such file");
-    expectRefused(dir.string(), "not a regular file");
+    expectRefused(file("missing.exr"), "No such file or directory");
+    expectRefused(dir.string(), "it is a directory, not a regular file");
 
     // Two channels: readable by the library, but not a plate.
     const std::vector<float> values(2 * 4 * 4, 0.5f);

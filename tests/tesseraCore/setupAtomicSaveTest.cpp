@@ -3,7 +3,7 @@
 // once it is whole and on disk. A save that dies half way (the process
 // killed by the file size limit in the middle of its write) and a save that
 // fails (the write refused, the target a directory) both leave the old file
-// byte for byte.
+// byte for byte; what a killed save left is taken away by the next.
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piTypedAnimInput.h>
@@ -17,10 +17,12 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -140,11 +142,19 @@ TEST_F(AtomicSave, ASaveKilledInTheMiddleOfItsWriteLeavesTheOldSetup) {
     EXPECT_EQ(left[0].filename().string().rfind(".shot.setup.", 0), 0u) << left[0];
     EXPECT_EQ(fs::file_size(left[0]), Limit);
 
-    // The next save goes through.
+    // The next save goes through and takes away what the killed one left,
+    // but not the temporary file of a save still under way (its writer holds
+    // it locked).
+    const fs::path live = dir / ".shot.setup.saving-abcdef";
+    const int liveFd = ::open(live.c_str(), O_RDWR | O_CREAT, 0644);
+    ASSERT_GE(liveFd, 0);
+    ASSERT_EQ(::flock(liveFd, LOCK_EX), 0);
     ASSERT_TRUE(TsSetup::save(*group, target()));
     LiString text;
     ASSERT_TRUE(TsSetup::write(*group, text));
     EXPECT_EQ(readFile(target()), text);
+    EXPECT_EQ(others(), std::vector<fs::path>{live});
+    ::close(liveFd);
 }
 
 TEST_F(AtomicSave, AWriteRefusedHalfWayIsReportedAndLeavesTheOldSetupAndNoTemporaryFile) {

@@ -34,11 +34,12 @@
 // ("slot1" .. "slot6") go into that value, and a node's patch inputs beyond
 // its patch names (which a reset used to leave) are not loaded.
 //
-// Saving writes a temporary file beside the target and renames it over the
-// target, so a failed save leaves the old file whole. Loading reads and
-// checks the whole file before it changes anything; a damaged or foreign
-// file is refused with the file, the line and what is wrong, and the keyer
-// is left as it was. A load is one undo step ("Load Setup"); inputs the file
+// Saving goes through FsAtomicFile: a failed save leaves the old file whole.
+// Loading reads and checks the whole file before it changes anything; a
+// damaged or foreign file, or one past the limits of ZnLimits (its size, a
+// name's length, the counts of patches, names and keys), is refused with the
+// file, the line and what is wrong, and the keyer is left as it was. Node
+// names follow PiNode::checkName. A load is one undo step ("Load Setup"); inputs the file
 // does not mention go back to their defaults, and keyer nodes of a group
 // setup that the group lacks are added to it.
 class TsSetup {

@@ -7,22 +7,19 @@
 #include <tesseraCore/tsTool3.h>
 
 #include <base/exReporter.h>
+#include <base/fsAtomicFile.h>
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
 
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
 #include <set>
 #include <sstream>
 #include <stdexcept>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -134,6 +131,16 @@ public:
     int line;
 };
 
+// Names (and every other word) are short: a file cannot make the loader
+// carry a name of megabytes through every lookup and message.
+void checkLength(const Token& t, int lineNumber) {
+    if (t.text.size() > ZnLimits::NameBytes) {
+        throw SetupError(lineNumber, std::string(t.quoted ? "a name" : "a word") + " of " +
+                                         std::to_string(t.text.size()) + " bytes (at most " +
+                                         std::to_string(ZnLimits::NameBytes) + ")");
+    }
+}
+
 std::vector<Token> tokenize(const std::string& line, int lineNumber) {
     std::vector<Token> tokens;
     std::size_t i = 0;
@@ -166,6 +173,7 @@ std::vector<Token> tokenize(const std::string& line, int lineNumber) {
             if (!closed) {
                 throw SetupError(lineNumber, "a quoted name is not closed");
             }
+            checkLength(t, lineNumber);
             tokens.push_back(std::move(t));
         } else {
             Token t;
@@ -173,6 +181,7 @@ std::vector<Token> tokenize(const std::string& line, int lineNumber) {
                    line[i] != '#') {
                 t.text += line[i++];
             }
+            checkLength(t, lineNumber);
             tokens.push_back(std::move(t));
         }
     }
@@ -259,6 +268,7 @@ struct Section {
     int generation = 1;
     int patches = 1;
     std::vector<InputLine> inputs;
+    std::unordered_map<std::string, std::size_t> inputIndex; // name -> index in inputs
 };
 
 struct Setup {
@@ -310,7 +320,7 @@ PiValue readValue(Cursor& c, PiValueType type, std::vector<RefName>& refs) {
     }
     case PiValueType::StringList: {
         const int n = c.num<int>("the number of names");
-        if (n < 0 || n > 100000) {
+        if (n < 0 || n > ZnLimits::ListNames) {
             c.fail("a list of " + std::to_string(n) + " names");
         }
         PiStringList list;
@@ -357,7 +367,7 @@ InputLine readInput(Cursor& c) {
     if (c.peekWord("keys")) {
         c.word("keys");
         const int n = c.num<int>("the number of keys");
-        if (n < 1 || n > 10000000) {
+        if (n < 1 || n > ZnLimits::AnimKeys) {
             c.fail("a list of " + std::to_string(n) + " keys");
         }
         for (int i = 0; i < n; ++i) {
@@ -369,6 +379,13 @@ InputLine readInput(Cursor& c) {
     return in;
 }
 
+void checkNodeName(const Cursor& c, const std::string& name) {
+    const LiString wrong = PiNode::checkName(name);
+    if (!wrong.empty()) {
+        c.fail("node \"" + name + "\": " + wrong);
+    }
+}
+
 Setup parse(const std::string& text) {
     Setup setup;
     std::istringstream is(text);
@@ -377,6 +394,7 @@ Setup parse(const std::string& text) {
     bool header = false;
     bool ended = false;
     Section* current = nullptr;
+    std::unordered_set<std::string> nodeNames;
     while (std::getline(is, line)) {
         ++number;
         std::vector<Token> tokens = tokenize(line, number);
@@ -411,6 +429,7 @@ Setup parse(const std::string& text) {
             Section g;
             g.line = number;
             g.name = c.name("the group's name");
+            checkNodeName(c, g.name);
             if (c.word("generation") != "generation") {
                 c.fail("expected generation after the group's name");
             }
@@ -426,11 +445,13 @@ Setup parse(const std::string& text) {
             Section n;
             n.line = number;
             n.name = c.name("the node's name");
+            checkNodeName(c, n.name);
             c.end();
-            for (const Section& other : setup.nodes) {
-                if (other.name == n.name) {
-                    c.fail("node \"" + n.name + "\" appears twice");
-                }
+            if (!nodeNames.insert(n.name).second) {
+                c.fail("node \"" + n.name + "\" appears twice");
+            }
+            if (setup.nodes.size() == ZnLimits::SetupNodes) {
+                c.fail("more than " + std::to_string(ZnLimits::SetupNodes) + " keyer nodes");
             }
             setup.nodes.push_back(std::move(n));
             current = &setup.nodes.back();
@@ -439,9 +460,9 @@ Setup parse(const std::string& text) {
                 c.fail("patches belong to a node section");
             }
             current->patches = c.num<int>("a number of patches");
-            if (current->patches < 1 || current->patches > 10000) {
-                c.fail("a node has 1 to 10000 patch inputs, not " +
-                       std::to_string(current->patches));
+            if (current->patches < 1 || current->patches > ZnLimits::Patches) {
+                c.fail("a node has 1 to " + std::to_string(ZnLimits::Patches) +
+                       " patch inputs, not " + std::to_string(current->patches));
             }
             c.end();
         } else if (keyword == "input") {
@@ -449,10 +470,8 @@ Setup parse(const std::string& text) {
                 c.fail("an input outside any group or node section");
             }
             InputLine in = readInput(c);
-            for (const InputLine& other : current->inputs) {
-                if (other.name == in.name) {
-                    c.fail("input \"" + in.name + "\" appears twice");
-                }
+            if (!current->inputIndex.emplace(in.name, current->inputs.size()).second) {
+                c.fail("input \"" + in.name + "\" appears twice");
             }
             current->inputs.push_back(std::move(in));
         } else if (keyword == "end") {
@@ -501,6 +520,10 @@ void upgradeSecondGenerationSlots(Section& group) {
     }
     others.push_back(std::move(refs));
     group.inputs = std::move(others);
+    group.inputIndex.clear();
+    for (std::size_t i = 0; i < group.inputs.size(); ++i) {
+        group.inputIndex.emplace(group.inputs[i].name, i);
+    }
 }
 
 // Checks a section against a node of the same kind (a scratch node, not the
@@ -533,12 +556,8 @@ void check(const Section& section, PiNode& prototype) {
 }
 
 const InputLine* find(const Section& section, const std::string& name) {
-    for (const InputLine& in : section.inputs) {
-        if (in.name == name) {
-            return &in;
-        }
-    }
-    return nullptr;
+    const auto it = section.inputIndex.find(name);
+    return it == section.inputIndex.end() ? nullptr : &section.inputs[it->second];
 }
 
 PiInputState defaultState(const PiInput& input) {
@@ -731,60 +750,10 @@ bool TsSetup::save(const PiNode& keyer, const LiString& path, LiString* error) {
     if (!write(keyer, text, error)) {
         return false;
     }
-    namespace fs = std::filesystem;
-    const fs::path target(path);
-    const fs::path dir = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    std::string temp = (dir / ("." + target.filename().string() + ".XXXXXX")).string();
-    const int fd = mkstemp(temp.data());
-    if (fd < 0) {
-        reportFailure(path, std::string("cannot write the setup: ") + std::strerror(errno), error);
-        return false;
-    }
-    // mkstemp makes the file private; a setup is an ordinary document and
-    // gets the permissions the user's umask gives new files.
-    const mode_t mask = ::umask(0);
-    ::umask(mask);
-    bool ok = true;
     std::string reason;
-    if (::fchmod(fd, 0666 & ~mask) != 0) {
-        ok = false;
-        reason = std::strerror(errno);
-    }
-    for (std::size_t done = 0; ok && done < text.size();) {
-        const ssize_t n = ::write(fd, text.data() + done, text.size() - done);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            ok = false;
-            reason = std::strerror(errno);
-        } else {
-            done += static_cast<std::size_t>(n);
-        }
-    }
-    if (ok && ::fsync(fd) != 0) {
-        ok = false;
-        reason = std::strerror(errno);
-    }
-    if (::close(fd) != 0 && ok) {
-        ok = false;
-        reason = std::strerror(errno);
-    }
-    if (ok && std::rename(temp.c_str(), target.c_str()) != 0) {
-        ok = false;
-        reason = std::strerror(errno);
-    }
-    if (!ok) {
-        std::remove(temp.c_str());
+    if (!FsAtomicFile::write(path, text, reason)) {
         reportFailure(path, "cannot write the setup: " + reason, error);
         return false;
-    }
-    // The rename reaches the disk with the directory: without this, a power
-    // cut could bring back the old setup (never a damaged one).
-    const int dirFd = ::open(dir.c_str(), O_RDONLY | O_DIRECTORY);
-    if (dirFd >= 0) {
-        ::fsync(dirFd);
-        ::close(dirFd);
     }
     return true;
 }
@@ -803,16 +772,11 @@ bool TsSetup::read(PiNode& keyer, const LiString& text, const LiString& source, 
 }
 
 bool TsSetup::load(PiNode& keyer, const LiString& path, LiString* error) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        reportFailure(path, std::string("cannot read the setup: ") + std::strerror(errno), error);
+    std::string text;
+    std::string reason;
+    if (!FsInputFile::read(path, ZnLimits::SetupBytes, "a setup", text, reason)) {
+        reportFailure(path, "cannot read the setup: " + reason, error);
         return false;
     }
-    std::ostringstream text;
-    text << in.rdbuf();
-    if (in.bad()) {
-        reportFailure(path, "cannot read the setup: a read error", error);
-        return false;
-    }
-    return readSetup(keyer, text.str(), path, error);
+    return readSetup(keyer, text, path, error);
 }

@@ -2,6 +2,7 @@
 
 #include <pluginAPI/piImage.h>
 
+#include <cstdint>
 #include <string>
 
 // Plates in and keyer outputs out, through OpenImageIO. Nothing here throws:
@@ -10,6 +11,11 @@
 // (ExReporter) while it keeps running.
 //
 // Reading (EXR, DPX, TIFF, PNG, JPEG and whatever else the library reads):
+// - the file must be a regular file (FsInputFile) of at most
+//   ZnLimits::PlateBytesPerPixel bytes a pixel of the limit; its header is
+//   read first, and a plate whose display window or data window holds more
+//   pixels than the limit (ZnLimits::PlatePixels unless raised,
+//   setMaxPixels) is refused before anything is allocated;
 // - the first subimage, as float RGBA: one channel is grey (alpha 1), three
 //   are RGB (alpha 1), four are RGBA; other channel counts and deep images
 //   are refused;
@@ -27,7 +33,11 @@
 // Writing, by the file's extension:
 // - .exr: 32-bit float RGBA, premultiplied, display window = data window;
 // - .png: 16-bit RGBA, sRGB-encoded colour (TsColour), straight alpha,
-//   clamped to [0, 1].
+//   clamped to [0, 1];
+// - through FsAtomicFile: the writer's bytes go to a temporary file, each
+//   write checked, and replace the target only once all of them are on the
+//   disk. A full disk is an error naming the file and the reason ("No space
+//   left on device") and leaves an earlier file as it was.
 class TsPlateIO {
 public:
     static PiImagePtr read(const std::string& path, std::string& error);
@@ -37,4 +47,11 @@ public:
     // reader" or "image writer", the message as above).
     static PiImagePtr readReported(const std::string& path);
     static bool writeReported(const PiImage& image, const std::string& path);
+
+    // The largest plate read, in pixels, for the whole process (see above).
+    static void setMaxPixels(std::uint64_t pixels);
+    static std::uint64_t getMaxPixels();
+    // The same from a program's option (--max-plate-pixels N): false, with
+    // `error` saying why, for anything but a whole number of at least 1.
+    static bool setMaxPixels(const std::string& text, std::string& error);
 };

@@ -3,19 +3,33 @@
 #include <tesseraCore/colour/tsColour.h>
 
 #include <base/exReporter.h>
+#include <base/fsAtomicFile.h>
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cctype>
+#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <mutex>
+#include <new>
 #include <vector>
 
 namespace {
+
+std::atomic<std::uint64_t> maxPixels{ZnLimits::PlatePixels};
+
+std::uint64_t maxBytes() {
+    return maxPixels.load() * ZnLimits::PlateBytesPerPixel;
+}
 
 std::string lower(std::string s) {
     std::transform(s.begin(), s.end(), s.begin(),
@@ -56,11 +70,33 @@ std::string writeFailure(const std::string& path, const std::string& why) {
     return "cannot write image \"" + path + "\": " + why;
 }
 
+// What the plate asks for, from the header alone: within the limits, or the
+// reason it is refused. Both windows within the limit of pixels bound what
+// the read allocates: a float RGBA plate of the display window and the
+// decoded data window.
+std::string checkSize(const OIIO::ImageSpec& spec) {
+    const auto display =
+        static_cast<std::uint64_t>(spec.full_width) * static_cast<std::uint64_t>(spec.full_height);
+    const auto data =
+        static_cast<std::uint64_t>(spec.width) * static_cast<std::uint64_t>(spec.height);
+    const std::uint64_t limit = maxPixels.load();
+    const std::string raising = " (--max-plate-pixels raises the limit)";
+    auto size = [](int w, int h) { return std::to_string(w) + " x " + std::to_string(h); };
+    if (display > limit) {
+        return "its display window is " + size(spec.full_width, spec.full_height) +
+               " pixels, more than the " + std::to_string(limit) + " a plate may have" + raising;
+    }
+    if (data > limit) {
+        return "its data window is " + size(spec.width, spec.height) + " pixels, more than the " +
+               std::to_string(limit) + " a plate may have" + raising;
+    }
+    return "";
+}
+
 PiImagePtr readImage(const std::string& path, std::string& error) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) {
-        error = readFailure(path, std::filesystem::exists(path, ec) ? "not a regular file"
-                                                                    : "no such file");
+    std::string reason;
+    if (!FsInputFile::check(path, maxBytes(), "a plate file", reason)) {
+        error = readFailure(path, reason);
         return {};
     }
     OIIO::ImageSpec config;
@@ -85,7 +121,16 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
         error = readFailure(path, "empty image");
         return {};
     }
+    if (spec.depth != 1) {
+        error = readFailure(path, "volume images are not supported");
+        return {};
+    }
     const bool integer = !spec.format.is_floating_point();
+    const std::string tooLarge = checkSize(spec);
+    if (!tooLarge.empty()) {
+        error = readFailure(path, tooLarge);
+        return {};
+    }
     const bool srgb = integer && lower(spec.get_string_attribute("oiio:ColorSpace")) == "srgb";
     const bool associated =
         channels == 4 && spec.get_int_attribute("oiio:UnassociatedAlpha", 0) == 0;
@@ -103,8 +148,8 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
         } else {
             data.resize(values);
         }
-    } catch (const std::exception&) {
-        error = readFailure(path, "image too large");
+    } catch (const std::bad_alloc&) {
+        error = readFailure(path, "not enough memory");
         return {};
     }
     const bool ok = integer
@@ -176,6 +221,36 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
     return plate;
 }
 
+// The writer's file: what it writes goes to an atomic file, each write
+// checked (a full disk or a file size limit makes that file fail, which the
+// writer may or may not notice).
+class AtomicFileProxy : public OIIO::Filesystem::IOProxy {
+public:
+    AtomicFileProxy(FsAtomicFile& file, const std::string& name)
+        : IOProxy(name, Write)
+        , _file(file) {}
+    const char* proxytype() const override { return "atomic file"; }
+    bool seek(int64_t offset) override {
+        m_pos = offset;
+        return offset >= 0;
+    }
+    size_t write(const void* buf, size_t size) override {
+        const size_t n = pwrite(buf, size, m_pos);
+        m_pos += static_cast<int64_t>(n);
+        return n;
+    }
+    size_t pwrite(const void* buf, size_t size, int64_t offset) override {
+        const std::lock_guard lock(_mutex);
+        return offset >= 0 && _file.writeAt(buf, size, static_cast<std::uint64_t>(offset)) ? size
+                                                                                           : 0;
+    }
+    size_t size() const override { return static_cast<size_t>(_file.getSize()); }
+
+private:
+    FsAtomicFile& _file;
+    std::mutex _mutex;
+};
+
 bool writeImage(const PiImage& image, const std::string& path, std::string& error) {
     if (image.isEmpty()) {
         error = writeFailure(path, "the image is empty");
@@ -189,6 +264,12 @@ bool writeImage(const PiImage& image, const std::string& path, std::string& erro
                                        "\" (images are written as .exr or .png)");
         return false;
     }
+    // Encoded straight into an atomic file: every byte the writer hands over
+    // is checked on its way to the disk, whatever the writer makes of a
+    // failure, and the file replaces an earlier one only once it is whole.
+    // (The writer goes first, while its file is still there.)
+    FsAtomicFile file(path);
+    AtomicFileProxy proxy(file, path);
     std::unique_ptr<OIIO::ImageOutput> out = OIIO::ImageOutput::create(path);
     if (!out) {
         error = writeFailure(path, cleaned(OIIO::geterror(), "no writer for this format"));
@@ -223,25 +304,23 @@ bool writeImage(const PiImage& image, const std::string& path, std::string& erro
             }
         }
     }
-    // Written aside and renamed, so that a failure leaves an earlier file
-    // intact.
-    const std::string part = path + ".part";
-    if (!out->open(part, spec)) {
-        error = writeFailure(path, cleaned(out->geterror(), "cannot create the file"));
+    if (!out->set_ioproxy(&proxy)) {
+        error = writeFailure(path, "the " + extension + " writer cannot write through the host");
         return false;
     }
-    const bool written = out->write_image(OIIO::TypeDesc::FLOAT, data.data());
-    const bool closed = out->close();
-    std::error_code ec;
-    if (!written || !closed) {
+    const bool opened = file.open() && out->open(path, spec);
+    const bool written = opened && out->write_image(OIIO::TypeDesc::FLOAT, data.data());
+    const bool closed = opened && out->close();
+    if (!file.getError().empty()) {
+        error = writeFailure(path, file.getError());
+        return false;
+    }
+    if (!opened || !written || !closed) {
         error = writeFailure(path, cleaned(out->geterror(), "write failed"));
-        std::filesystem::remove(part, ec);
         return false;
     }
-    std::filesystem::rename(part, path, ec);
-    if (ec) {
-        error = writeFailure(path, ec.message());
-        std::filesystem::remove(part, ec);
+    if (!file.commit()) {
+        error = writeFailure(path, file.getError());
         return false;
     }
     return true;
@@ -253,6 +332,8 @@ PiImagePtr TsPlateIO::read(const std::string& path, std::string& error) {
     error.clear();
     try {
         return readImage(path, error);
+    } catch (const std::bad_alloc&) {
+        error = readFailure(path, "not enough memory");
     } catch (const std::exception& ex) {
         error = readFailure(path, ex.what());
     } catch (...) {
@@ -265,12 +346,33 @@ bool TsPlateIO::write(const PiImage& image, const std::string& path, std::string
     error.clear();
     try {
         return writeImage(image, path, error);
+    } catch (const std::bad_alloc&) {
+        error = writeFailure(path, "not enough memory");
     } catch (const std::exception& ex) {
         error = writeFailure(path, ex.what());
     } catch (...) {
         error = writeFailure(path, "unknown failure");
     }
     return false;
+}
+
+void TsPlateIO::setMaxPixels(std::uint64_t pixels) {
+    maxPixels = pixels;
+}
+
+std::uint64_t TsPlateIO::getMaxPixels() {
+    return maxPixels;
+}
+
+bool TsPlateIO::setMaxPixels(const std::string& text, std::string& error) {
+    std::uint64_t pixels = 0;
+    const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), pixels);
+    if (ec != std::errc() || end != text.data() + text.size() || pixels == 0) {
+        error = "--max-plate-pixels takes a whole number of pixels, not \"" + text + "\"";
+        return false;
+    }
+    setMaxPixels(pixels);
+    return true;
 }
 
 PiImagePtr TsPlateIO::readReported(const std::string& path) {

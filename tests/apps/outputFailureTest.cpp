@@ -1,0 +1,173 @@
+// Outputs under failure: a full disk (a file size limit), a link, a target
+// that is not a regular file, a recording whose file goes away. Nothing the
+// user had is lost, and the error names the file and the reason.
+#include "sessionScene.h"
+#include "studioWindow.h"
+
+#include "host/sessionRecorder.h"
+#include "support/runProgram.h"
+
+#include <QApplication>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <sstream>
+#include <sys/stat.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string Runner = std::string(TESSERA_BIN_DIR) + "/tessera-run";
+
+std::string readFile(const fs::path& p) {
+    std::ifstream in(p, std::ios::binary);
+    std::ostringstream s;
+    s << in.rdbuf();
+    return s.str();
+}
+
+std::vector<std::string> filesIn(const fs::path& dir) {
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(dir)) {
+        names.push_back(e.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+using OutputFailure = SessionScene;
+
+// Each kind of output, written once whole, then again by tessera-run under a
+// file size limit of 1 KiB with SIGXFSZ ignored (every write past it fails
+// with EFBIG, as on a full disk): the run fails naming the file and the
+// reason, and the earlier file is there byte for byte, with nothing beside
+// it.
+TEST_F(OutputFailure, AnOutputThatDoesNotFitLeavesTheEarlierFileAndSaysWhy) {
+    const std::vector<std::pair<std::string, std::string>> outputs = {
+        {"source", "source.exr"},  {"source", "source.png"}, {"matte", "matte.exr"},
+        {"matte", "matte.png"},    {"status", "status.exr"}, {"status", "status.png"},
+        {"foreground", "fg.exr"},  {"foreground", "fg.png"}, {"comp", "comp.exr"},
+        {"comp", "comp.png"},      {"viewer", "viewer.png"}, {"setup", "setup.tessera"},
+        {"summary", "summary.txt"}};
+    std::string first = "plate demo 64 64\n";
+    for (const auto& [kind, file] : outputs) {
+        first += "write " + kind + " " + file + "\n";
+    }
+    ok(first);
+    std::map<std::string, std::string> earlier;
+    for (const auto& [kind, file] : outputs) {
+        earlier[file] = readFile(dir / file);
+    }
+    const std::vector<std::string> before = filesIn(dir);
+
+    // Larger than the limit, each of them: a bigger plate, more nodes, a
+    // longer history for the summary.
+    std::string grown = "plate demo 256 256\nkeyer nodes 8\n";
+    for (int i = 1; i <= 20; ++i) {
+        grown += "set overall 0." + std::to_string(i % 10) + "\n";
+    }
+    for (const auto& [kind, file] : outputs) {
+        std::ofstream(dir / "grown.tss") << grown << "write " << kind << " " << file << "\n";
+        const ProgramResult r =
+            runProgram("cd " + dir.string() + " && ulimit -f 1 && trap '' XFSZ && " + Runner +
+                       " --quiet grown.tss 2>&1");
+        EXPECT_EQ(r.status, 1) << file << ": " << r.out;
+        EXPECT_NE(r.out.find("grown.tss:23: "), std::string::npos) << r.out;
+        EXPECT_NE(r.out.find(file), std::string::npos) << r.out;
+        EXPECT_NE(r.out.find(": File too large"), std::string::npos) << r.out;
+        EXPECT_TRUE(readFile(dir / file) == earlier[file]) << file << " was changed";
+        fs::remove(dir / "grown.tss");
+        EXPECT_EQ(filesIn(dir), before) << file;
+    }
+}
+
+// A save to a link writes the file it points to, in that file's directory;
+// a target that is not a regular file is refused and left as it was.
+TEST_F(OutputFailure, SavesWriteThroughLinksAndLeaveWhatIsNotARegularFileAlone) {
+    fs::create_directories(dir / "shots");
+    fs::create_symlink("shots/real.tessera", dir / "link.tessera");
+    fs::create_symlink("shots/real.png", dir / "link.png");
+    ok("plate demo 64 64\nset overall 0.25\nsave link.tessera\nwrite comp link.png\n");
+    EXPECT_TRUE(fs::is_symlink(dir / "link.tessera"));
+    EXPECT_TRUE(fs::is_symlink(dir / "link.png"));
+    EXPECT_NE(readFile(dir / "shots/real.tessera").find("input \"overall\" double 0.25"),
+              std::string::npos);
+    EXPECT_GT(fs::file_size(dir / "shots/real.png"), 0u);
+    EXPECT_EQ(filesIn(dir / "shots"), (std::vector<std::string>{"real.png", "real.tessera"}));
+
+    ASSERT_EQ(::mkfifo(path("pipe.tessera").c_str(), 0644), 0);
+    fs::create_directories(dir / "folder.exr");
+    std::ofstream(dir / "folder.exr" / "inside") << "kept";
+    fs::create_symlink("pipe.tessera", dir / "toPipe.tessera");
+    EXPECT_EQ(
+        run("save pipe.tessera"),
+        "test.tss:1: " + path("pipe.tessera") +
+            ": cannot write the setup: it is a FIFO, not a regular file: it is left as it is");
+    EXPECT_EQ(run("write matte folder.exr"),
+              "test.tss:1: cannot write image \"" + path("folder.exr") +
+                  "\": it is a directory, not a regular file: it is left as it is");
+    EXPECT_NE(run("write summary toPipe.tessera").find("it is a FIFO, not a regular file"),
+              std::string::npos);
+    EXPECT_TRUE(fs::is_fifo(dir / "pipe.tessera"));
+    EXPECT_EQ(readFile(dir / "folder.exr" / "inside"), "kept");
+}
+
+class RecordingFailure : public ::testing::Test {
+protected:
+    void SetUp() override {
+        UiApplication::getInstance();
+        dir = fs::temp_directory_path() /
+              ("tessera-recording-" + std::to_string(::getpid()) + "-" +
+               ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        fs::remove_all(dir);
+        fs::create_directories(dir);
+    }
+    void TearDown() override { fs::remove_all(dir); }
+    std::string path(const std::string& name) const { return (dir / name).string(); }
+
+    fs::path dir;
+};
+
+// --record with a file that cannot be written: the studio does not start.
+TEST_F(RecordingFailure, ARecordingThatCannotBeWrittenStopsTheStudioAtOnce) {
+    const std::string file = path("missing/session.tss");
+    const ProgramResult r = runProgram("timeout 60 " + std::string(TESSERA_BIN_DIR) +
+                                       "/tessera-studio --record " + file + " 2>&1");
+    EXPECT_EQ(r.status, 2) << r.out;
+    EXPECT_NE(r.out.find("cannot write \"" + file + "\": No such file or directory"),
+              std::string::npos)
+        << r.out;
+}
+
+// A recording whose file can no longer be written stays in memory: the
+// status line says so, Save Session Script saves it elsewhere, and closing
+// the window asks to be repeated.
+TEST_F(RecordingFailure, ARecordingThatCannotBeWrittenLaterIsKeptAndSaidSo) {
+    StudioWindow studio;
+    fs::create_directories(dir / "rec");
+    std::string error;
+    ASSERT_TRUE(studio.recordTo(path("rec/session.tss"), error)) << error;
+    ASSERT_TRUE(studio.perform("plate demo 64 64"));
+    ASSERT_TRUE(studio.writeRecording());
+    EXPECT_NE(readFile(dir / "rec/session.tss").find("plate demo 64 64\n"), std::string::npos);
+
+    fs::remove_all(dir / "rec");
+    ASSERT_TRUE(studio.perform("set overall 0.25"));
+    EXPECT_FALSE(studio.writeRecording());
+    EXPECT_NE(studio.getStatusText().toStdString().find(
+                  path("rec/session.tss") + "\": No such file or directory (the recording is kept"),
+              std::string::npos)
+        << studio.getStatusText().toStdString();
+
+    studio.show();
+    EXPECT_FALSE(studio.close());
+    EXPECT_TRUE(studio.isVisible());
+    ASSERT_TRUE(studio.saveRecording(path("elsewhere.tss")));
+    EXPECT_EQ(readFile(dir / "elsewhere.tss"), studio.getRecorder().getText());
+    EXPECT_NE(readFile(dir / "elsewhere.tss").find("set overall 0.25\n"), std::string::npos);
+    EXPECT_TRUE(studio.close());
+}
+
+} // namespace
