@@ -9,10 +9,13 @@
 #include "sessionArgs.h"
 #include "viewerCommands.h"
 
+#include <base/exReporter.h>
+
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
+#include <new>
 
 namespace {
 
@@ -142,6 +145,12 @@ void SessionInterpreter::execute(const SessionScript::Line& line, const std::str
     } catch (const SessionError&) {
         _line = nullptr;
         throw;
+    } catch (const std::bad_alloc&) {
+        // What the line asked for did not fit: it fails, the undo step it
+        // may have left open is closed, and the session goes on.
+        _line = nullptr;
+        ExReporter::getInstance().runRecoveryHooks();
+        throw SessionError(source, line.number, "not enough memory");
     }
     _line = nullptr;
     HostSession::settle();

@@ -1,6 +1,8 @@
 #include "sessionScript.h"
 
-#include <fstream>
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
+
 #include <sstream>
 
 namespace {
@@ -118,11 +120,16 @@ SessionScript SessionScript::parse(const std::string& text, const std::string& s
 }
 
 SessionScript SessionScript::read(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        throw SessionError(path, 0, "cannot read the session script");
+    std::string text;
+    std::string reason;
+    const bool standardInput = path == "-";
+    const bool read =
+        standardInput
+            ? FsInputFile::readStandardInput(ZnLimits::ScriptBytes, "a script", text, reason)
+            : FsInputFile::read(path, ZnLimits::ScriptBytes, "a script", text, reason);
+    const std::string source = standardInput ? "standard input" : path;
+    if (!read) {
+        throw SessionError(source, 0, "cannot read the session script: " + reason);
     }
-    std::ostringstream text;
-    text << in.rdbuf();
-    return parse(text.str(), path);
+    return parse(text, source);
 }

@@ -21,7 +21,9 @@ public:
     // `source` names the script in messages (its path, or a built-in name).
     // A quote left open is a SessionError at its line.
     static SessionScript parse(const std::string& text, const std::string& source);
-    // Reads the file; a file that cannot be read is a SessionError naming it.
+    // Reads the file ("-": standard input, named "standard input"); a file
+    // that cannot be read, is not a regular file or is larger than
+    // ZnLimits::ScriptBytes is a SessionError naming it, at line 0.
     static SessionScript read(const std::string& path);
 
     const std::string& getSource() const { return _source; }

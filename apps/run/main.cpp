@@ -9,6 +9,8 @@
 #include "batchRender.h"
 #include "session/sessionRun.h"
 
+#include <tesseraCore/io/tsPlateIO.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -21,18 +23,22 @@
 namespace {
 
 void usage(std::ostream& os) {
-    os << "usage: tessera-run [SESSION] [--out DIR] [--quiet]\n"
+    os << "usage: tessera-run [SESSION] [--out DIR] [--quiet] [--max-plate-pixels N]\n"
           "       tessera-run --render SETUP --plate FILE|demo [--background FILE|demo]\n"
-          "                   [--frame N] [--out DIR] --write KIND FILE [--write KIND FILE ...]\n"
+          "                   [--frame N] [--out DIR] [--max-plate-pixels N]\n"
+          "                   --write KIND FILE [--write KIND FILE ...]\n"
           "       tessera-run --list-packages\n"
           "       tessera-run --help | --version\n"
           "\n"
           "  SESSION          a session script (docs/session-scripts.md); relative files it\n"
-          "                   reads are found beside it. Without one: the built-in demo\n"
-          "                   session keys the built-in demo plate, outputs in out/\n"
+          "                   reads are found beside it; - reads it from standard input.\n"
+          "                   Without one: the built-in demo session keys the built-in\n"
+          "                   demo plate, outputs in out/\n"
           "  --out DIR        where relative files the session (or render) writes go\n"
           "                   (default: the current directory, out/ for the demo)\n"
           "  --quiet          no progress on standard error\n"
+          "  --max-plate-pixels N\n"
+          "                   read plates of up to N pixels (default 67108864, 8192 x 8192)\n"
           "  --render SETUP   render a keyer setup with no window system: the plate (and\n"
           "                   background) keyed by the setup's selected keyer node at the\n"
           "                   frame (default 0); KIND is source, matte, status, foreground\n"
@@ -44,7 +50,7 @@ void usage(std::ostream& os) {
           "\n"
           "Exit status: 0 when every line ran and every expectation held, 1 when a line\n"
           "failed (the script's file and line are named) or an output could not be\n"
-          "written, 2 for a bad command line.\n";
+          "written, 2 for a bad command line or a script that cannot be read.\n";
 }
 
 int badUsage(const std::string& what) {
@@ -85,7 +91,12 @@ int render(int argc, char** argv) {
             }
             return argv[++i];
         };
-        if (a == "--plate") {
+        if (a == "--max-plate-pixels") {
+            std::string error;
+            if (!TsPlateIO::setMaxPixels(value("a number of pixels"), error)) {
+                throw error;
+            }
+        } else if (a == "--plate") {
             options.plate = value("a plate file");
         } else if (a == "--background") {
             options.background = value("a background file");
@@ -157,7 +168,12 @@ int main(int argc, char** argv) {
         } else if (a == "--out" && i + 1 < argc) {
             args.out = argv[++i];
             args.outGiven = true;
-        } else if (!a.empty() && a[0] != '-' && *args.session == '\0') {
+        } else if (a == "--max-plate-pixels" && i + 1 < argc) {
+            std::string error;
+            if (!TsPlateIO::setMaxPixels(argv[++i], error)) {
+                return badUsage(error);
+            }
+        } else if (!a.empty() && (a[0] != '-' || a == "-") && *args.session == '\0') {
             args.session = argv[i];
         } else {
             return badUsage("unexpected argument \"" + a + "\"");

@@ -66,7 +66,9 @@ int replay(const SessionRunArgs& args) {
                      ? SessionScript::parse(TesseraRun::demoSession, "demoSession.tss (built in)")
                      : SessionScript::read(file);
     } catch (const SessionError& e) {
-        std::cerr << "tessera-run: " << e.getSource() << ": " << e.getMessage() << "\n";
+        // A script that cannot be read has no line to name.
+        std::cerr << "tessera-run: "
+                  << (e.getLine() == 0 ? e.getSource() + ": " + e.getMessage() : e.what()) << "\n";
         return e.getLine() == 0 ? 2 : 1;
     }
 

@@ -1,7 +1,9 @@
 #include <resmgt/msgCatalogue.h>
 
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
+
 #include <cctype>
-#include <fstream>
 #include <sstream>
 
 std::string MsgCatalogue::Error::text() const {
@@ -9,17 +11,16 @@ std::string MsgCatalogue::Error::text() const {
 }
 
 MsgCatalogue MsgCatalogue::load(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
+    std::string text;
+    std::string reason;
+    if (!FsInputFile::read(path, ZnLimits::ResourceBytes, "a catalogue", text, reason)) {
         MsgCatalogue c;
         c._name = path;
         c._readable = false;
-        c._errors.push_back({path, 0, "cannot be read"});
+        c._errors.push_back({path, 0, "cannot be read: " + reason});
         return c;
     }
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return parse(ss.str(), path);
+    return parse(text, path);
 }
 
 namespace {

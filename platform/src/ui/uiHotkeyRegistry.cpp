@@ -1,10 +1,11 @@
 #include <ui/uiHotkeyRegistry.h>
 
 #include <base/exReporter.h>
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
 #include <resmgt/liResourcePath.h>
 
 #include <cctype>
-#include <fstream>
 #include <sstream>
 
 const LiString UiHotkeyRegistry::TesseraDomain = "Tessera";
@@ -191,11 +192,13 @@ bool UiHotkeyRegistry::deliverHotkey(const EvKeyEvent& keyEvent, CbHandler<EvEve
 }
 
 int UiHotkeyRegistry::loadTable(const LiString& path) {
-    std::ifstream in(path);
-    if (!in) {
-        ExReporter::getInstance().report(path, "cannot read the hotkey table");
+    std::string text;
+    std::string reason;
+    if (!FsInputFile::read(path, ZnLimits::ResourceBytes, "a hotkey table", text, reason)) {
+        ExReporter::getInstance().report(path, "cannot read the hotkey table: " + reason);
         return -1;
     }
+    std::istringstream in(text);
     ExReporter& reporter = ExReporter::getInstance();
     int count = 0;
     std::string line;
