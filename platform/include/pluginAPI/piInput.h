@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <source_location>
 #include <type_traits>
 #include <variant>
 #include <vector>
@@ -153,7 +152,7 @@ private:
     void notifyChanged();
     // An assertion at the caller's place: a read or write of the wrong type.
     [[noreturn]] void wrongType(const char* expression,
-                                std::source_location where = std::source_location::current()) const;
+                                SourcePlace where = SourcePlace::current()) const;
 
     LiString _name;
     PiValueType _type;

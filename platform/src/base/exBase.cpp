@@ -39,7 +39,7 @@ void Assertions::throwAssertionFailed(const char* path, int line, const char* ex
     throw ExAssertionFailed(path ? path : "", line, expression ? expression : "");
 }
 
-void Assertions::fail(const char* expression, std::source_location where) {
+void Assertions::fail(const char* expression, SourcePlace where) {
     throwAssertionFailed(projectPath(where.file_name()).c_str(), static_cast<int>(where.line()),
                          expression);
 }

@@ -301,7 +301,7 @@ void PiInput::notifyChanged() {
     }
 }
 
-void PiInput::wrongType(const char* expression, std::source_location where) const {
+void PiInput::wrongType(const char* expression, SourcePlace where) const {
     Assertions::fail(expression, where);
 }
 
