@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
     g++ cmake ninja-build pkg-config ccache
     qt6-base-dev qt6-tools-dev libqt6opengl6-dev libxkbcommon-dev libgl-dev
-    libopenimageio-dev openimageio-tools libtbb-dev
+    libopenimageio-dev openimageio-tools libtbb-dev libopencolorio-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format
     xauth xvfb

@@ -12,6 +12,7 @@
 #include <pluginAPI/piTimePath.h>
 #include <resmgt/msgFileGuard.h>
 #include <tesseraCore/colour/tsColour.h>
+#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/tsNodeSelectChangedEvent.h>
 #include <tesseraCore/tsSetup.h>
@@ -62,12 +63,15 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
     _listener = ExReporter::getInstance().addListener(
         [this](const ExReporter::Report& r) { _reports.push_back(r); });
     _catalogue = std::make_unique<MsgFileGuard>("tessera.msg");
+    // The colour configuration is read on first use: now, so that a bad one
+    // is reported at start.
+    TsColour::getConfigPath();
     // The hotkey table is read on first use: now, so that a bad table is
     // reported at start.
     UiHotkeyRegistry::getInstance();
     _viewer = std::make_unique<UiViewer>(viewerParent, "viewer");
     _viewer->resize(width, height);
-    _viewer->setDisplayTransform(&TsColour::getDisplayTransform());
+    _viewer->setDisplayTransform(&_display);
     UiWorkspace::getInstance().addViewer(_viewer.get());
     _mainPanel = std::make_unique<UiPanel>("main", panelParent);
     if (!panelParent) {
@@ -325,6 +329,44 @@ void HostSession::setPlate(const PiImagePtr& plate, const std::string& name) {
 void HostSession::setBackground(const PiImagePtr& background, const std::string& name) {
     _scene->setBackground(background, name);
     _viewer->redraw();
+}
+
+// --- files and colour
+
+bool HostSession::readSource(TsKeyerScene::Source source, const std::string& path,
+                             const std::string& name, const std::string* space,
+                             std::string& error) {
+    if (!_scene->readSource(source, path, name, error, space)) {
+        return false;
+    }
+    settle();
+    if (source == TsKeyerScene::Source::Plate) {
+        _demo.reset();
+        _viewer->fitImage();
+    }
+    _viewer->redraw();
+    return true;
+}
+
+bool HostSession::setColourSpace(TsKeyerScene::Source source, const std::string& space,
+                                 std::string& error) {
+    const bool set = _scene->setColourSpace(source, space, error);
+    settle();
+    _viewer->redraw();
+    return set;
+}
+
+bool HostSession::loadColourConfig(const std::string& path, std::string& error) {
+    if (!TsColour::loadConfig(path, error)) {
+        return false;
+    }
+    _scene->refreshColour();
+    displayChanged();
+    return true;
+}
+
+void HostSession::displayChanged() {
+    _viewer->setDisplayTransform(&_display);
 }
 
 // --- the viewer

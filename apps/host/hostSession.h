@@ -10,6 +10,7 @@
 #include <pluginAPI/piImage.h>
 #include <pluginAPI/piNodeEvent.h>
 #include <pluginAPI/piPath.h>
+#include <tesseraCore/colour/tsDisplayTransform.h>
 #include <tesseraCore/tsGroupInterface.h>
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsKeyerNode.h>
@@ -114,6 +115,24 @@ public:
     const PiImagePtr& getBackground() const { return _scene->getBackground(); }
     const std::string& getBackgroundName() const { return _scene->getBackgroundName(); }
 
+    // --- files and colour
+    // Reads the plate (the background) from a file in the colour space the
+    // keyer chose for it (TsKeyerScene), or in `space` when given ("" for
+    // automatic), which then becomes the keyer's choice (an undo step); false
+    // and `error` when the file or the space cannot be used, and nothing
+    // changes.
+    bool readSource(TsKeyerScene::Source source, const std::string& path, const std::string& name,
+                    const std::string* space, std::string& error);
+    bool setColourSpace(TsKeyerScene::Source source, const std::string& space, std::string& error);
+    // Makes the colour configuration at `path` the one in use and reads the
+    // plate and background files again; false and `error` when it cannot be
+    // read (the one in use stays).
+    bool loadColourConfig(const std::string& path, std::string& error);
+    // What the viewer shows the working space through; after a change, call
+    // displayChanged so that the viewer shows it.
+    TsDisplayTransform& getDisplayTransform() { return _display; }
+    void displayChanged();
+
     // --- the viewer
     UiViewer& getViewer() const { return *_viewer; }
     double getFrame() const;
@@ -149,6 +168,7 @@ private:
     void detachGroup();
 
     std::unique_ptr<MsgFileGuard> _catalogue;
+    TsDisplayTransform _display; // outlives the viewer that shows through it
     std::unique_ptr<UiViewer> _viewer;
     std::unique_ptr<UiPanel> _mainPanel;
     std::unique_ptr<UiMainWindow> _mainWindow;

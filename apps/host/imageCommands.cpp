@@ -12,16 +12,39 @@
 #include <ui/uiViewer.h>
 
 #include <cmath>
+#include <optional>
 
 namespace {
 
-PiImagePtr readPlate(SessionInterpreter& interpreter, const std::string& file) {
+// "colorspace NAME" ("auto" for automatic) at the end of a line, when there.
+std::optional<std::string> colourSpace(SessionArgs& a) {
+    if (!a.take("colorspace")) {
+        return std::nullopt;
+    }
+    const std::string name = a.word("colour space name (or auto)");
+    return name == "auto" ? std::string() : name;
+}
+
+// `plate` and `background` with a file: FILE [colorspace NAME], or
+// colorspace NAME alone for the file there is.
+void readSource(SessionInterpreter& in, SessionArgs& a, TsKeyerScene::Source source,
+                const std::string& what) {
+    HostSession& s = in.getSession();
     std::string error;
-    const PiImagePtr image = TsPlateIO::read(interpreter.inputPath(file), error);
-    if (!image) {
+    if (a.peek() == "colorspace" && !a.peekQuoted()) {
+        const std::optional<std::string> space = colourSpace(a);
+        a.end();
+        if (!s.setColourSpace(source, *space, error)) {
+            throw SessionArgs::Error(error);
+        }
+        return;
+    }
+    const std::string file = a.word(what);
+    const std::optional<std::string> space = colourSpace(a);
+    a.end();
+    if (!s.readSource(source, in.inputPath(file), file, space ? &*space : nullptr, error)) {
         throw SessionArgs::Error(error);
     }
-    return image;
 }
 
 } // namespace
@@ -52,9 +75,7 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
             s.setDemoPlate(std::make_shared<const TsDemoPlate>(options));
             return;
         }
-        const std::string file = a.word("plate file (or demo)");
-        a.end();
-        s.setPlate(readPlate(in, file), file);
+        readSource(in, a, TsKeyerScene::Source::Plate, "plate file (or demo)");
     });
     in.addCommand("background", [&in, &s](SessionArgs& a) {
         if (a.take("none")) {
@@ -71,9 +92,7 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
             s.setBackground(s.getDemo()->getBackground(), "demo");
             return;
         }
-        const std::string file = a.word("background file (demo or none)");
-        a.end();
-        s.setBackground(readPlate(in, file), file);
+        readSource(in, a, TsKeyerScene::Source::Background, "background file (demo or none)");
     });
     in.addCommand("view", [&s](SessionArgs& a) {
         const std::string name = a.choice("view mode", TsViewRender::getViewNames());
@@ -85,9 +104,10 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
     in.addCommand("write", [&in, &writer](SessionArgs& a) {
         const std::string kind = a.choice("output", OutputWriter::getKinds());
         const std::string path = in.outputPath(a.word("output file"));
+        const std::string space = colourSpace(a).value_or("");
         a.end();
         std::string error;
-        if (!writer.write(kind, path, error)) {
+        if (!writer.write(kind, path, error, space)) {
             throw SessionArgs::Error(error);
         }
     });

@@ -26,8 +26,13 @@ const std::vector<std::string>& OutputWriter::getKinds() {
     return kinds;
 }
 
-bool OutputWriter::write(const std::string& kind, const std::string& path, std::string& error) {
+bool OutputWriter::write(const std::string& kind, const std::string& path, std::string& error,
+                         const std::string& colourSpace) {
     bool ok = false;
+    if (!colourSpace.empty() && (kind == "viewer" || kind == "setup" || kind == "summary")) {
+        error = "a " + kind + " output takes no colour space";
+        return false;
+    }
     if (kind == "viewer") {
         ok = writeViewer(path, error);
     } else if (kind == "setup") {
@@ -35,7 +40,7 @@ bool OutputWriter::write(const std::string& kind, const std::string& path, std::
     } else if (kind == "summary") {
         ok = writeBytes(SessionSummary::text(_session, _written), path, error);
     } else {
-        ok = writeView(kind, path, error);
+        ok = writeView(kind, path, colourSpace, error);
     }
     if (ok) {
         _written.emplace_back(kind, path);
@@ -43,7 +48,8 @@ bool OutputWriter::write(const std::string& kind, const std::string& path, std::
     return ok;
 }
 
-bool OutputWriter::writeView(const std::string& kind, const std::string& path, std::string& error) {
+bool OutputWriter::writeView(const std::string& kind, const std::string& path,
+                             const std::string& colourSpace, std::string& error) {
     TsViewMode mode = TsViewMode::Composite;
     if (kind != "comp" && !TsViewRender::parseView(kind, mode)) {
         error = "unknown output \"" + kind + "\"";
@@ -59,7 +65,7 @@ bool OutputWriter::writeView(const std::string& kind, const std::string& path, s
         error = "there is no plate to key";
         return false;
     }
-    return TsPlateIO::write(*image, path, error);
+    return TsPlateIO::write(*image, path, error, colourSpace);
 }
 
 bool OutputWriter::writeViewer(const std::string& path, std::string& error) {

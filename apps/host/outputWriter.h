@@ -11,8 +11,9 @@ class HostSession;
 // Writes what a session asks for, and remembers what it wrote (for the
 // summary):
 //   source, matte, status, foreground, comp   the keyer's view of the shown
-//       node at full resolution at the viewer's frame (.exr or .png, see
-//       TsPlateIO::write)
+//       node at full resolution at the viewer's frame (.exr, .png or .jpg,
+//       see TsPlateIO::write), in `colourSpace` ("" for the format's
+//       default); the other kinds take no colour space
 //   viewer   the viewer as it shows now, the tools' overlay included (PNG)
 //   setup    the keyer's setup (TsSetup)
 //   summary  the session's summary (SessionSummary)
@@ -29,11 +30,13 @@ public:
     // leaves whatever was there, and `error` names the file and the reason.
     static bool writeBytes(std::string_view bytes, const std::string& path, std::string& error);
 
-    bool write(const std::string& kind, const std::string& path, std::string& error);
+    bool write(const std::string& kind, const std::string& path, std::string& error,
+               const std::string& colourSpace = {});
     const SessionSummary::Outputs& getWritten() const { return _written; }
 
 private:
-    bool writeView(const std::string& kind, const std::string& path, std::string& error);
+    bool writeView(const std::string& kind, const std::string& path,
+                   const std::string& colourSpace, std::string& error);
     bool writeViewer(const std::string& path, std::string& error);
 
     HostSession& _session;

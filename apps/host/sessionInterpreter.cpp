@@ -1,5 +1,6 @@
 #include "sessionInterpreter.h"
 
+#include "colourCommands.h"
 #include "historyCommands.h"
 #include "hostSession.h"
 #include "inputCommands.h"
@@ -162,6 +163,7 @@ void SessionInterpreter::addCommands() {
     NodeCommands::add(*this);
     InputCommands::add(*this);
     HistoryCommands::add(*this);
+    ColourCommands::add(*this);
     OverlayQueries::add(*this);
 
     // --- reading the state

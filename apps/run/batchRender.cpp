@@ -11,14 +11,21 @@
 
 namespace {
 
-// The plate and the background: files, or the demo's (made once).
+// The plate and the background: files, read in the spaces the setup chose,
+// or the demo's (made once).
 class Sources {
 public:
-    PiImagePtr plate(const std::string& name, std::string& error) {
-        return name == "demo" ? demo().getPlate() : TsPlateIO::read(name, error);
-    }
-    PiImagePtr background(const std::string& name, std::string& error) {
-        return name == "demo" ? demo().getBackground() : TsPlateIO::read(name, error);
+    bool read(TsKeyerScene& scene, TsKeyerScene::Source source, const std::string& name,
+              std::string& error) {
+        if (name != "demo") {
+            return scene.readSource(source, name, name, error);
+        }
+        if (source == TsKeyerScene::Source::Plate) {
+            scene.setPlate(demo().getPlate(), name);
+        } else {
+            scene.setBackground(demo().getBackground(), name);
+        }
+        return true;
     }
 
 private:
@@ -55,21 +62,11 @@ int BatchRender::run(const Options& options, std::ostream& out, std::ostream& er
     Sources sources;
     TsKeyerScene scene;
     std::string error;
-    const PiImagePtr plate = sources.plate(options.plate, error);
-    if (!plate) {
-        err << "tessera-run: " << error << "\n";
-        return 1;
-    }
-    scene.setPlate(plate, options.plate);
-    if (!options.background.empty()) {
-        const PiImagePtr background = sources.background(options.background, error);
-        if (!background) {
-            err << "tessera-run: " << error << "\n";
-            return 1;
-        }
-        scene.setBackground(background, options.background);
-    }
-    if (!scene.openSetup(options.setup, error)) {
+    // The setup first: it says which colour spaces the files are in.
+    if (!scene.openSetup(options.setup, error) ||
+        !sources.read(scene, TsKeyerScene::Source::Plate, options.plate, error) ||
+        (!options.background.empty() &&
+         !sources.read(scene, TsKeyerScene::Source::Background, options.background, error))) {
         err << "tessera-run: " << error << "\n";
         return 1;
     }

@@ -37,7 +37,7 @@ TEST_F(SessionScene, ABadLineStopsTheRunNamingFileAndLine) {
     EXPECT_EQ(run("print colour"), "test.tss:1: unknown state \"colour\"");
     EXPECT_EQ(run("write matte out.tif"),
               "test.tss:1: cannot write image \"" + path("out.tif") +
-                  "\": unsupported extension \".tif\" (images are written as .exr or .png)");
+                  "\": unsupported extension \".tif\" (images are written as .exr, .png or .jpg)");
     // Nothing of this left the session in a broken state.
     ok("plate demo 128 72\nset overall 0.25\nexpect input overall == 0.25");
 }

@@ -10,7 +10,7 @@ set(layers
     "resmgt base"
     "pluginAPI base resmgt"
     "tesseraUtil base"
-    "tesseraCore base resmgt pluginAPI tesseraUtil OpenImageIO oneapi sys"
+    "tesseraCore base resmgt pluginAPI tesseraUtil OpenImageIO OpenColorIO oneapi sys"
     "gfx base resmgt pluginAPI"
     "ui base resmgt pluginAPI gfx Q*"
     "appUi base resmgt pluginAPI gfx ui Q*"
@@ -47,6 +47,20 @@ foreach(row IN LISTS layers)
                 string(APPEND failures "  ${rel}: ${line} (${lib} stands below ${target})\n")
             endif()
         endforeach()
+    endforeach()
+endforeach()
+
+# OpenColorIO stays in the colour room.
+file(GLOB_RECURSE sources ${SOURCE_DIR}/platform/*.h ${SOURCE_DIR}/platform/*.cpp
+    ${SOURCE_DIR}/apps/*.h ${SOURCE_DIR}/apps/*.cpp ${SOURCE_DIR}/tools/*.h ${SOURCE_DIR}/tools/*.cpp)
+foreach(file IN LISTS sources)
+    if(file MATCHES "/tesseraCore/colour/")
+        continue()
+    endif()
+    file(STRINGS ${file} includes REGEX "^#include <OpenColorIO/")
+    foreach(line IN LISTS includes)
+        file(RELATIVE_PATH rel ${SOURCE_DIR} ${file})
+        string(APPEND failures "  ${rel}: ${line} (only tesseraCore/colour/ uses OpenColorIO)\n")
     endforeach()
 endforeach()
 

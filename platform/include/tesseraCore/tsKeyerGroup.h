@@ -50,6 +50,12 @@ public:
     bool setSelectedNode(const RCShdPtr<PiNode>& node);
     const RCShdPtr<PiInput>& getSelectedNodesInput() const { return _selected; }
 
+    // The colour space of the plate and of the background the group keys: a
+    // list of one name, or empty for automatic (the file's own). The host
+    // reads its files in them (TsKeyerScene); saved with the group's setup.
+    const RCShdPtr<PiInput>& getPlateColorSpaceInput() const { return _plateSpace; }
+    const RCShdPtr<PiInput>& getBackgroundColorSpaceInput() const { return _backgroundSpace; }
+
     // The group itself or one of its direct children, by identity; empty
     // otherwise.
     RCShdPtr<PiNode> resolve(const PiNodeRef& ref) const;
@@ -70,4 +76,6 @@ private:
     int _generation;
     std::array<RCShdPtr<PiInput>, 6> _slots; // generation 1
     RCShdPtr<PiInput> _selected;
+    RCShdPtr<PiInput> _plateSpace;
+    RCShdPtr<PiInput> _backgroundSpace;
 };

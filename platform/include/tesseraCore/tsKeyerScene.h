@@ -3,11 +3,14 @@
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsKeyerNode.h>
 
+#include <base/cbEmptyType.h>
+#include <base/cbMethod.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piGraph.h>
 #include <pluginAPI/piImage.h>
 
+#include <array>
 #include <string>
 
 // What a keyer is worked on in, with no viewer and no panels: one keyer group
@@ -19,9 +22,18 @@
 // Plates are the host's wiring, not an edit: they are put on every keyer
 // node's image input (and the background on its background input) without an
 // undo step, and again on the keyer nodes that a setup load adds.
+//
+// A plate or background read from a file is read in the colour space the
+// group holds for it (TsKeyerGroup), and read again whenever that choice
+// changes (an edit, its undo, a setup load) or another colour configuration
+// comes into use (refreshColour). A read that fails then is reported and
+// leaves the image there was.
 class TsKeyerScene {
 public:
+    enum class Source { Plate, Background };
+
     TsKeyerScene();
+    ~TsKeyerScene();
     TsKeyerScene(const TsKeyerScene&) = delete;
     TsKeyerScene& operator=(const TsKeyerScene&) = delete;
 
@@ -47,6 +59,26 @@ public:
     const PiImagePtr& getBackground() const { return _background; }
     const std::string& getBackgroundName() const { return _backgroundName; }
 
+    // --- files and their colour spaces
+    // Reads the plate (the background) from a file (TsPlateIO) in the
+    // group's choice of colour space, or in `space` when given ("" for
+    // automatic), which then becomes the group's choice; and sets it under
+    // `name`. False and `error` when the file cannot be read or the space is
+    // not in the configuration, and nothing changes.
+    bool readSource(Source source, const std::string& path, const std::string& name,
+                    std::string& error, const std::string* space = nullptr);
+    // The colour space chosen for the source: a name, "" for automatic.
+    std::string getColourSpace(Source source) const;
+    // Sets the choice (an undo step, "Plate Colour Space" or "Background
+    // Colour Space"); "" for automatic. False and `error` for a name the
+    // configuration does not hold.
+    bool setColourSpace(Source source, const std::string& space, std::string& error);
+    // The space the source's file was converted from when last read; "" for
+    // an image that came from no file.
+    const std::string& getFileColourSpace(Source source) const;
+    // Reads every source file again (another configuration is in use).
+    void refreshColour();
+
     // --- setups of the whole group (TsSetup); false and `error` on failure
     bool saveSetup(const std::string& path, std::string& error) const;
     bool loadSetup(const std::string& path, std::string& error);
@@ -55,7 +87,19 @@ public:
     bool openSetup(const std::string& path, std::string& error);
 
 private:
+    // What a source was read from, and in which space.
+    struct File {
+        std::string path;      // "" for an image that came from no file
+        std::string requested; // the choice it was read with
+        std::string used;      // the space it was converted from
+    };
+
     void wirePlates();
+    void attachGroup();
+    void detachGroup();
+    void colourChanged();
+    const RCShdPtr<PiInput>& spaceInput(Source source) const;
+    bool reread(Source source);
 
     RCShdPtr<PiGraph> _graph;
     RCShdPtr<TsKeyerGroup> _group;
@@ -63,4 +107,6 @@ private:
     PiImagePtr _background;
     std::string _plateName;
     std::string _backgroundName;
+    std::array<File, 2> _files;
+    CbMethod<TsKeyerScene, CbEmptyType> _colourChanged{this, &TsKeyerScene::colourChanged};
 };

@@ -93,6 +93,12 @@ TsKeyerGroup::TsKeyerGroup(const LiString& name, int generation)
     }
     _selected = rcMake<PiInput>(TsTool3::getSelectedNodesName(), PiValue(PiNodeRef{}));
     addInput(_selected);
+    _plateSpace = rcMake<PiInput>("plateColorSpace", PiValue(PiStringList{}));
+    _backgroundSpace = rcMake<PiInput>("backgroundColorSpace", PiValue(PiStringList{}));
+    for (const RCShdPtr<PiInput>& space : {_plateSpace, _backgroundSpace}) {
+        space->setStatic();
+        addInput(space);
+    }
 }
 
 TsKeyerGroup::~TsKeyerGroup() = default;

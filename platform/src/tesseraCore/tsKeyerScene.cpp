@@ -1,3 +1,7 @@
+#include "tsUndoStep.h"
+
+#include <tesseraCore/colour/tsColour.h>
+#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/tsKeyerScene.h>
 
 #include <tesseraCore/tsGroupInterface.h>
@@ -30,7 +34,12 @@ TsKeyerScene::TsKeyerScene() {
     makeKeyer(1, 1);
 }
 
+TsKeyerScene::~TsKeyerScene() {
+    detachGroup();
+}
+
 void TsKeyerScene::makeKeyer(int generation, int nodes) {
+    detachGroup();
     _graph = PiGraph::create();
     _group = TsKeyerGroup::create(GroupName, generation, std::max(nodes, 1));
     _graph->getRoot()->addNode(_group);
@@ -40,6 +49,23 @@ void TsKeyerScene::makeKeyer(int generation, int nodes) {
     _group->setSelectedNode(_group->getKeyerNode(0));
     wirePlates();
     _graph->getCommandStack().clear();
+    attachGroup();
+    // The new group chooses automatic spaces.
+    colourChanged();
+}
+
+void TsKeyerScene::attachGroup() {
+    for (Source source : {Source::Plate, Source::Background}) {
+        spaceInput(source)->addValueChangedCb(&_colourChanged);
+    }
+}
+
+void TsKeyerScene::detachGroup() {
+    if (_group) {
+        for (Source source : {Source::Plate, Source::Background}) {
+            spaceInput(source)->removeValueChangedCb(&_colourChanged);
+        }
+    }
 }
 
 RCShdPtr<PiNode> TsKeyerScene::findNode(const std::string& name) const {
@@ -58,13 +84,97 @@ RCShdPtr<TsKeyerNode> TsKeyerScene::getActiveNode() const {
 void TsKeyerScene::setPlate(const PiImagePtr& plate, const std::string& name) {
     _plate = plate;
     _plateName = name;
+    _files[0] = File();
     wirePlates();
 }
 
 void TsKeyerScene::setBackground(const PiImagePtr& background, const std::string& name) {
     _background = background;
     _backgroundName = name;
+    _files[1] = File();
     wirePlates();
+}
+
+// --- files and their colour spaces
+
+const RCShdPtr<PiInput>& TsKeyerScene::spaceInput(Source source) const {
+    return source == Source::Plate ? _group->getPlateColorSpaceInput()
+                                   : _group->getBackgroundColorSpaceInput();
+}
+
+bool TsKeyerScene::readSource(Source source, const std::string& path, const std::string& name,
+                              std::string& error, const std::string* space) {
+    File file{path, getColourSpace(source), ""};
+    if (space && !space->empty() && !TsColour::resolve(*space, file.requested, error)) {
+        return false;
+    }
+    if (space && space->empty()) {
+        file.requested.clear();
+    }
+    const PiImagePtr image = TsPlateIO::read(path, error, file.requested, &file.used);
+    if (!image) {
+        return false;
+    }
+    if (file.requested != getColourSpace(source)) {
+        // The choice follows; the file is read in it already.
+        _files[static_cast<int>(source)] = file;
+        setColourSpace(source, file.requested, error);
+    }
+    if (source == Source::Plate) {
+        setPlate(image, name);
+    } else {
+        setBackground(image, name);
+    }
+    _files[static_cast<int>(source)] = file;
+    return true;
+}
+
+std::string TsKeyerScene::getColourSpace(Source source) const {
+    const auto names = spaceInput(source)->getTypedValue<PiStringList>(0.0);
+    return names.empty() ? std::string() : names.front();
+}
+
+bool TsKeyerScene::setColourSpace(Source source, const std::string& space, std::string& error) {
+    std::string name;
+    if (!space.empty() && !TsColour::resolve(space, name, error)) {
+        return false;
+    }
+    const TsUndoStep step(*_group, source == Source::Plate ? "Plate Colour Space"
+                                                           : "Background Colour Space");
+    spaceInput(source)->setValue(0.0, PiValue(name.empty() ? PiStringList{} : PiStringList{name}));
+    return true;
+}
+
+const std::string& TsKeyerScene::getFileColourSpace(Source source) const {
+    return _files[static_cast<int>(source)].used;
+}
+
+bool TsKeyerScene::reread(Source source) {
+    const File file = _files[static_cast<int>(source)];
+    if (file.path.empty()) {
+        return true;
+    }
+    std::string error;
+    if (!readSource(source, file.path,
+                    source == Source::Plate ? _plateName : _backgroundName, error)) {
+        ExReporter::getInstance().report("scene", error);
+        return false;
+    }
+    return true;
+}
+
+void TsKeyerScene::colourChanged() {
+    for (Source source : {Source::Plate, Source::Background}) {
+        if (_files[static_cast<int>(source)].requested != getColourSpace(source)) {
+            reread(source);
+        }
+    }
+}
+
+void TsKeyerScene::refreshColour() {
+    for (Source source : {Source::Plate, Source::Background}) {
+        reread(source);
+    }
 }
 
 void TsKeyerScene::wirePlates() {

@@ -357,14 +357,15 @@ const QImage& UiViewer::displayImage() {
     const int w = image->getWidth();
     const int h = image->getHeight();
     _shownImage = QImage(w, h, QImage::Format_RGBA8888);
+    if (_display) {
+        _display->applyImage(*image, _shownImage.bits(),
+                             static_cast<std::size_t>(_shownImage.bytesPerLine()));
+        return _shownImage;
+    }
     for (int j = 0; j < h; ++j) {
         // Rows are stored bottom up; the window's go top down.
         const float* src = image->row(j);
         uchar* dst = _shownImage.scanLine(h - 1 - j);
-        if (_display) {
-            _display->apply(src, dst, static_cast<std::size_t>(w));
-            continue;
-        }
         for (int i = 0; i < 4 * w; ++i) {
             dst[i] = toByte(src[i]);
         }

@@ -25,23 +25,31 @@
 // - rows are flipped to the host's bottom-to-top order;
 // - colour stays straight: associated (premultiplied) alpha, as in EXR, is
 //   divided out where alpha > 0;
-// - integer files that declare the sRGB encoding (PNG, JPEG, most TIFFs)
-//   are decoded to linear (TsColour); float data is taken as it is;
-// - NaN components of float files become 0 (they would poison every average
-//   and the matte).
+// - NaN components become 0 (they would poison every average and the
+//   matte);
+// - the colour is converted once, here, from the file's colour space into
+//   the working space (TsColour). The file's space is the one asked for, or,
+//   when none is ("" for automatic), the one the configuration's file rules
+//   or the file's own metadata give (TsColour::getFileSpace).
 //
-// Writing, by the file's extension:
+// Writing, by the file's extension, converted out of the working space into
+// the space asked for, or by default the working space for EXR and the
+// display's space for PNG and JPEG; the space is named in the file's header
+// (attributes "colorSpace" and "oiio:ColorSpace"; JPEG keeps neither):
 // - .exr: 32-bit float RGBA, premultiplied, display window = data window;
-// - .png: 16-bit RGBA, sRGB-encoded colour (TsColour), straight alpha,
-//   clamped to [0, 1];
+// - .png: 16-bit RGBA, straight alpha, clamped to [0, 1];
+// - .jpg, .jpeg: 8-bit RGB, clamped to [0, 1];
 // - through FsAtomicFile: the writer's bytes go to a temporary file, each
 //   write checked, and replace the target only once all of them are on the
 //   disk. A full disk is an error naming the file and the reason ("No space
 //   left on device") and leaves an earlier file as it was.
 class TsPlateIO {
 public:
-    static PiImagePtr read(const std::string& path, std::string& error);
-    static bool write(const PiImage& image, const std::string& path, std::string& error);
+    // `used`, when given, receives the space the file was converted from.
+    static PiImagePtr read(const std::string& path, std::string& error,
+                           const std::string& colourSpace = {}, std::string* used = nullptr);
+    static bool write(const PiImage& image, const std::string& path, std::string& error,
+                      const std::string& colourSpace = {});
 
     // The same, reporting a failure through ExReporter (source "plate
     // reader" or "image writer", the message as above).

@@ -25,6 +25,9 @@
 
 namespace {
 
+// The header attribute that names the colour space a file was written in.
+const char* const ColourSpaceAttribute = "colorSpace";
+
 std::atomic<std::uint64_t> maxPixels{ZnLimits::PlatePixels};
 
 std::uint64_t maxBytes() {
@@ -93,10 +96,16 @@ std::string checkSize(const OIIO::ImageSpec& spec) {
     return "";
 }
 
-PiImagePtr readImage(const std::string& path, std::string& error) {
+PiImagePtr readImage(const std::string& path, const std::string& colourSpace, std::string* used,
+                     std::string& error) {
     std::string reason;
     if (!FsInputFile::check(path, maxBytes(), "a plate file", reason)) {
         error = readFailure(path, reason);
+        return {};
+    }
+    std::string source;
+    if (!colourSpace.empty() && !TsColour::resolve(colourSpace, source, error)) {
+        error = readFailure(path, error);
         return {};
     }
     OIIO::ImageSpec config;
@@ -125,38 +134,33 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
         error = readFailure(path, "volume images are not supported");
         return {};
     }
-    const bool integer = !spec.format.is_floating_point();
     const std::string tooLarge = checkSize(spec);
     if (!tooLarge.empty()) {
         error = readFailure(path, tooLarge);
         return {};
     }
-    const bool srgb = integer && lower(spec.get_string_attribute("oiio:ColorSpace")) == "srgb";
     const bool associated =
         channels == 4 && spec.get_int_attribute("oiio:UnassociatedAlpha", 0) == 0;
+    if (source.empty()) {
+        // What the file says it holds: the space this reader writes, else
+        // the reader's own guess.
+        source = TsColour::getFileSpace(
+            path, spec.get_string_attribute(ColourSpaceAttribute,
+                                            spec.get_string_attribute("oiio:ColorSpace")));
+    }
 
-    // Integer files are read as 16-bit and decoded through tables; the rest
-    // as float.
     const std::size_t values = static_cast<std::size_t>(spec.width) *
                                static_cast<std::size_t>(spec.height) *
                                static_cast<std::size_t>(channels);
     std::vector<float> data;
-    std::vector<std::uint16_t> codes;
     try {
-        if (integer) {
-            codes.resize(values);
-        } else {
-            data.resize(values);
-        }
+        data.resize(values);
     } catch (const std::bad_alloc&) {
         error = readFailure(path, "not enough memory");
         return {};
     }
-    const bool ok = integer
-                        ? in->read_image(0, 0, 0, channels, OIIO::TypeDesc::UINT16, codes.data())
-                        : in->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, data.data());
     // Some readers note a damaged file but still answer true.
-    if (!ok || in->has_error()) {
+    if (!in->read_image(0, 0, 0, channels, OIIO::TypeDesc::FLOAT, data.data()) || in->has_error()) {
         error = readFailure(path, cleaned(in->geterror(), "read failed"));
         // Closing a damaged file can note further errors; they are taken too,
         // so that none is left over to prefix the message of a later failure.
@@ -166,20 +170,7 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
         return {};
     }
     in->close();
-
-    std::vector<float> linearTable, colourTable;
-    if (integer) {
-        linearTable.resize(65536);
-        colourTable.resize(65536);
-        for (int code = 0; code < 65536; ++code) {
-            linearTable[code] = static_cast<float>(code) / 65535.0f;
-            colourTable[code] = srgb ? TsColour::decode(linearTable[code]) : linearTable[code];
-        }
-    }
-    auto value = [&](std::size_t index, bool colour) {
-        if (integer) {
-            return (colour ? colourTable : linearTable)[codes[index]];
-        }
+    auto value = [&](std::size_t index) {
         const float v = data[index];
         return std::isnan(v) ? 0.0f : v;
     };
@@ -202,13 +193,13 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
             const std::size_t s = rowStart + static_cast<std::size_t>(x - spec.x) * channels;
             float rgba[4];
             if (channels == 1) {
-                rgba[0] = rgba[1] = rgba[2] = value(s, true);
+                rgba[0] = rgba[1] = rgba[2] = value(s);
                 rgba[3] = 1.0f;
             } else {
-                rgba[0] = value(s, true);
-                rgba[1] = value(s + 1, true);
-                rgba[2] = value(s + 2, true);
-                rgba[3] = channels == 4 ? value(s + 3, false) : 1.0f;
+                rgba[0] = value(s);
+                rgba[1] = value(s + 1);
+                rgba[2] = value(s + 2);
+                rgba[3] = channels == 4 ? value(s + 3) : 1.0f;
             }
             if (associated && rgba[3] > 0.0f) {
                 for (int c = 0; c < 3; ++c) {
@@ -217,6 +208,22 @@ PiImagePtr readImage(const std::string& path, std::string& error) {
             }
             std::copy(rgba, rgba + 4, dst + 4 * i);
         }
+    }
+    // Into the working space: the pixels the data window gave, once.
+    const int i0 = std::max(spec.x - spec.full_x, 0);
+    const int i1 = std::min(spec.x + spec.width - spec.full_x, spec.full_width);
+    const int j0 = std::max(top - (spec.y + spec.height - 1), 0);
+    const int j1 = std::min(top - spec.y + 1, spec.full_height);
+    if (i1 > i0 && j1 > j0 &&
+        !TsColour::convert(plate->row(j0) + 4 * static_cast<std::size_t>(i0),
+                           static_cast<std::size_t>(i1 - i0), static_cast<std::size_t>(j1 - j0),
+                           4 * static_cast<std::size_t>(spec.full_width), source,
+                           TsColour::getWorkingSpace(), error)) {
+        error = readFailure(path, error);
+        return {};
+    }
+    if (used) {
+        *used = source;
     }
     return plate;
 }
@@ -251,17 +258,25 @@ private:
     std::mutex _mutex;
 };
 
-bool writeImage(const PiImage& image, const std::string& path, std::string& error) {
+bool writeImage(const PiImage& image, const std::string& path, const std::string& colourSpace,
+                std::string& error) {
     if (image.isEmpty()) {
         error = writeFailure(path, "the image is empty");
         return false;
     }
     const std::string extension = lower(std::filesystem::path(path).extension().string());
     const bool exr = extension == ".exr";
-    const bool png = extension == ".png";
-    if (!exr && !png) {
+    const bool jpeg = extension == ".jpg" || extension == ".jpeg";
+    if (!exr && !jpeg && extension != ".png") {
         error = writeFailure(path, "unsupported extension \"" + extension +
-                                       "\" (images are written as .exr or .png)");
+                                       "\" (images are written as .exr, .png or .jpg)");
+        return false;
+    }
+    std::string target;
+    if (colourSpace.empty()) {
+        target = exr ? TsColour::getWorkingSpace() : TsColour::getDisplaySpace();
+    } else if (!TsColour::resolve(colourSpace, target, error)) {
+        error = writeFailure(path, error);
         return false;
     }
     // Encoded straight into an atomic file: every byte the writer hands over
@@ -277,30 +292,41 @@ bool writeImage(const PiImage& image, const std::string& path, std::string& erro
     }
     const int width = image.getWidth();
     const int height = image.getHeight();
-    OIIO::ImageSpec spec(width, height, 4, exr ? OIIO::TypeDesc::FLOAT : OIIO::TypeDesc::UINT16);
-    spec.alpha_channel = 3;
-    if (png) {
-        spec.attribute("oiio:UnassociatedAlpha", 1);
-        spec.attribute("oiio:ColorSpace", "sRGB");
+    OIIO::ImageSpec spec(width, height, jpeg ? 3 : 4,
+                         exr    ? OIIO::TypeDesc::FLOAT
+                         : jpeg ? OIIO::TypeDesc::UINT8
+                                : OIIO::TypeDesc::UINT16);
+    if (!jpeg) {
+        spec.alpha_channel = 3;
     }
-    // The file's rows top to bottom, converted for the format.
+    if (!exr) {
+        spec.attribute("oiio:UnassociatedAlpha", 1);
+    }
+    spec.attribute("oiio:ColorSpace", target);
+    spec.attribute(ColourSpaceAttribute, target);
+    // The file's rows top to bottom, in the file's space, then premultiplied
+    // (EXR) or clamped to the integer range.
     std::vector<float> data(4 * image.getPixelCount());
     for (int y = 0; y < height; ++y) {
         const float* src = image.row(height - 1 - y);
-        float* dst = data.data() + 4 * static_cast<std::size_t>(width) * y;
-        for (int x = 0; x < width; ++x) {
-            const float* s = src + 4 * x;
-            float* d = dst + 4 * x;
-            if (exr) {
-                d[0] = s[0] * s[3];
-                d[1] = s[1] * s[3];
-                d[2] = s[2] * s[3];
-                d[3] = s[3];
-            } else {
-                for (int c = 0; c < 3; ++c) {
-                    d[c] = TsColour::encode(std::clamp(s[c], 0.0f, 1.0f));
-                }
-                d[3] = std::clamp(s[3], 0.0f, 1.0f);
+        std::copy(src, src + 4 * static_cast<std::size_t>(width),
+                  data.data() + 4 * static_cast<std::size_t>(width) * y);
+    }
+    const auto w = static_cast<std::size_t>(width);
+    if (!TsColour::convert(data.data(), w, static_cast<std::size_t>(height), 4 * w,
+                           TsColour::getWorkingSpace(), target, error)) {
+        error = writeFailure(path, error);
+        return false;
+    }
+    for (std::size_t i = 0; i < data.size(); i += 4) {
+        float* d = data.data() + i;
+        if (exr) {
+            d[0] *= d[3];
+            d[1] *= d[3];
+            d[2] *= d[3];
+        } else {
+            for (int c = 0; c < 4; ++c) {
+                d[c] = std::clamp(d[c], 0.0f, 1.0f);
             }
         }
     }
@@ -309,7 +335,9 @@ bool writeImage(const PiImage& image, const std::string& path, std::string& erro
         return false;
     }
     const bool opened = file.open() && out->open(path, spec);
-    const bool written = opened && out->write_image(OIIO::TypeDesc::FLOAT, data.data());
+    // JPEG takes the colour and leaves alpha.
+    const bool written =
+        opened && out->write_image(OIIO::TypeDesc::FLOAT, data.data(), 4 * sizeof(float));
     const bool closed = opened && out->close();
     if (!file.getError().empty()) {
         error = writeFailure(path, file.getError());
@@ -328,10 +356,11 @@ bool writeImage(const PiImage& image, const std::string& path, std::string& erro
 
 } // namespace
 
-PiImagePtr TsPlateIO::read(const std::string& path, std::string& error) {
+PiImagePtr TsPlateIO::read(const std::string& path, std::string& error,
+                           const std::string& colourSpace, std::string* used) {
     error.clear();
     try {
-        return readImage(path, error);
+        return readImage(path, colourSpace, used, error);
     } catch (const std::bad_alloc&) {
         error = readFailure(path, "not enough memory");
     } catch (const std::exception& ex) {
@@ -342,10 +371,11 @@ PiImagePtr TsPlateIO::read(const std::string& path, std::string& error) {
     return {};
 }
 
-bool TsPlateIO::write(const PiImage& image, const std::string& path, std::string& error) {
+bool TsPlateIO::write(const PiImage& image, const std::string& path, std::string& error,
+                      const std::string& colourSpace) {
     error.clear();
     try {
-        return writeImage(image, path, error);
+        return writeImage(image, path, colourSpace, error);
     } catch (const std::bad_alloc&) {
         error = writeFailure(path, "not enough memory");
     } catch (const std::exception& ex) {
