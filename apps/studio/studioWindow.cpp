@@ -1,5 +1,7 @@
 #include "studioWindow.h"
 
+#include "studioColourBar.h"
+
 #include "host/hostSession.h"
 #include "host/imageCommands.h"
 #include "host/outputWriter.h"
@@ -166,7 +168,8 @@ bool StudioWindow::saveSetup(const std::string& path) {
 }
 
 bool StudioWindow::exportOutput(const std::string& kind, const std::string& path) {
-    return perform("write " + kind + " " + quoted(absolute(path)));
+    return perform("write " + kind + " " + quoted(absolute(path)) +
+                   (kind == "viewer" ? std::string() : _colour->exportSpaceWords()));
 }
 
 bool StudioWindow::saveRecording(const std::string& path) {
@@ -304,7 +307,8 @@ void StudioWindow::buildMenus() {
         const std::string k = kind;
         file->addAction(label, this, [this, k] {
             const std::string p =
-                askFile("Export", k == "viewer" ? "PNG (*.png)" : "Images (*.exr *.png)", true);
+                askFile("Export", k == "viewer" ? "PNG (*.png)" : "Images (*.exr *.png *.jpg)",
+                        true);
             if (!p.empty()) {
                 exportOutput(k, p);
             }
@@ -420,6 +424,9 @@ void StudioWindow::buildToolBar() {
         }
     });
     bar->addWidget(_frame);
+    _colour = new StudioColourBar(
+        *_session, [this](const std::string& line) { return perform(line); }, this);
+    addToolBar(_colour);
 }
 
 void StudioWindow::buildDocks() {
@@ -456,11 +463,13 @@ void StudioWindow::refresh() {
     refreshHistory();
     refreshNodes();
     refreshStage();
+    _colour->refresh();
 }
 
 void StudioWindow::historyChanged() {
     refreshHistory();
     refreshNodes();
+    _colour->refresh();
 }
 
 void StudioWindow::handlerChanged() {

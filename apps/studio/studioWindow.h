@@ -18,12 +18,14 @@ class QSpinBox;
 class QTimer;
 class SessionInterpreter;
 class SessionRecorder;
+class StudioColourBar;
 class UiMainWindow;
 
 // The desktop application's main window: the viewer in the middle, the
 // keyer's main panel (with the stage panels in its areas) on the right, the
 // undo history and the keyer's nodes on the left, a tool bar with the
-// viewer's stage, its view mode and the frame, menus for plates, setups,
+// viewer's stage, its view mode and the frame, a colour bar
+// (StudioColourBar), menus for plates, setups,
 // exports, tools and history, and a status line that shows every report.
 //
 // Every action of the studio's own menus and bars is a session-script line
@@ -102,6 +104,7 @@ private:
     QComboBox* _mode = nullptr;
     QSpinBox* _frame = nullptr;
     QLabel* _reports = nullptr;
+    StudioColourBar* _colour = nullptr;
     int _listener = 0;
     bool _refreshing = false;
     std::string _recordPath;

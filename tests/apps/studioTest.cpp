@@ -18,10 +18,13 @@
 #include <ui/uiViewer.h>
 #include <ui/uiWidgetAdapter.h>
 
+#include <OpenImageIO/imageio.h>
+
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QMouseEvent>
@@ -252,6 +255,42 @@ TEST_F(StudioScene, ARecordedSessionReplaysHeadlessToTheSameSetup) {
     // Of the two hover moves only the last was kept.
     EXPECT_EQ(recording.find("move 30 40"), std::string::npos) << recording;
     EXPECT_NE(recording.find("move 31 41"), std::string::npos) << recording;
+}
+
+// The colour bar's choices are session lines: recorded, and replayed to the
+// same state; exports are written in the space it names.
+TEST_F(StudioScene, TheColourBarsChoicesAreRecordedAndReplayed) {
+    const std::string plate = (dir / "plate.exr").string();
+    ASSERT_TRUE(studio->perform("plate demo 128 72"));
+    ASSERT_TRUE(studio->exportOutput("source", plate));
+    ASSERT_TRUE(studio->openPlate(plate));
+    auto choose = [&](const char* name, const char* item) {
+        auto* combo = studio->findChild<QComboBox*>(name);
+        ASSERT_TRUE(combo) << name;
+        combo->setCurrentIndex(combo->findText(item));
+        ASSERT_GE(combo->currentIndex(), 0) << item;
+        emit combo->activated(combo->currentIndex());
+    };
+    choose("plateColourSpace", "ACEScg");
+    choose("displayView", "Raw");
+    choose("exportColourSpace", "ACES2065-1");
+    studio->findChild<QDoubleSpinBox*>("exposure")->setValue(1.5);
+    const std::string comp = (dir / "comp.exr").string();
+    ASSERT_TRUE(studio->exportOutput("comp", comp));
+    auto in = OIIO::ImageInput::open(comp);
+    ASSERT_TRUE(in);
+    EXPECT_EQ(in->spec().get_string_attribute("colorSpace"), "ACES2065-1");
+
+    const std::string recording = studio->getRecorder().getText();
+    for (const char* line : {"\nplate colorspace ACEScg\n", "\ndisplay sRGB view Raw\n",
+                             "\nexposure 1.5\n", " colorspace ACES2065-1\n"}) {
+        EXPECT_NE(recording.find(line), std::string::npos) << line << "\n" << recording;
+    }
+    std::ofstream(dir / "recorded.tss")
+        << recording << "expect colorspace plate == ACEScg\nexpect display == sRGB view Raw\n"
+        << "expect exposure == 1.5\nexpect undo == Plate Colour Space\n";
+    std::string out;
+    EXPECT_EQ(replay(dir / "recorded.tss", out), 0) << out << "\n" << recording;
 }
 
 TEST_F(StudioScene, TheStatusLineReportsABadFileAndNothingCloses) {

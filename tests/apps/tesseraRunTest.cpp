@@ -202,4 +202,25 @@ TEST_F(TesseraRunScene, ASetupRendersWithNoWindowSystem) {
     EXPECT_EQ(run(runner + " --render " + d + "key.tessera --plate demo").status, 2);
 }
 
+// A damaged configuration in $OCIO is reported with its file, and the
+// shipped one serves: the session and a batch render both run.
+TEST_F(TesseraRunScene, ADamagedOcioConfigurationIsReportedAndTheShippedOneServes) {
+    const std::string config = script("damaged.ocio", "ocio_profile_version: 2\nroles: [oops\n");
+    const std::string s = script("key.tss", "plate demo 160 90\nexpect reports == 1\n"
+                                            "expect report contains " + config + "\n"
+                                            "expect colorspace working == Linear Rec.709\n"
+                                            "save key.tessera\nwrite source plate.exr\n");
+    const std::string env = "env OCIO=" + config + " ";
+    const Result session = run(env + runner + " --quiet --out " + dir.string() + " " + s);
+    EXPECT_EQ(session.status, 0) << session.out;
+    const std::string d = dir.string() + "/";
+    const Result render = run(env + runner + " --render " + d + "key.tessera --plate " + d +
+                              "plate.exr --out " + d + "r --write matte matte.exr");
+    EXPECT_EQ(render.status, 0) << render.out;
+    EXPECT_NE(render.out.find("cannot read the colour configuration \"" + config + "\""),
+              std::string::npos)
+        << render.out;
+    EXPECT_TRUE(std::filesystem::exists(d + "r/matte.exr"));
+}
+
 } // namespace
