@@ -12,8 +12,8 @@
 #include <pluginAPI/piTimePath.h>
 #include <resmgt/msgFileGuard.h>
 #include <tesseraCore/colour/tsColour.h>
-#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/tsNodeSelectChangedEvent.h>
 #include <tesseraCore/tsSetup.h>
 #include <ui/uiApplication.h>

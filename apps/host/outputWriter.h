@@ -35,8 +35,8 @@ public:
     const SessionSummary::Outputs& getWritten() const { return _written; }
 
 private:
-    bool writeView(const std::string& kind, const std::string& path,
-                   const std::string& colourSpace, std::string& error);
+    bool writeView(const std::string& kind, const std::string& path, const std::string& colourSpace,
+                   std::string& error);
     bool writeViewer(const std::string& path, std::string& error);
 
     HostSession& _session;

@@ -69,8 +69,8 @@ StudioColourBar::StudioColourBar(HostSession& session, Perform perform, QWidget*
                (space == Automatic ? std::string("auto") : SessionScript::quote(space)));
     });
     auto display = [this] {
-        change("display " + SessionScript::quote(_display->currentText().toStdString()) +
-               " view " + SessionScript::quote(_view->currentText().toStdString()));
+        change("display " + SessionScript::quote(_display->currentText().toStdString()) + " view " +
+               SessionScript::quote(_view->currentText().toStdString()));
     };
     connect(_display, &QComboBox::activated, this, [this, display](int) {
         fillViews();

@@ -306,9 +306,8 @@ void StudioWindow::buildMenus() {
           {"viewer", "Export &Viewer Snapshot..."}}) {
         const std::string k = kind;
         file->addAction(label, this, [this, k] {
-            const std::string p =
-                askFile("Export", k == "viewer" ? "PNG (*.png)" : "Images (*.exr *.png *.jpg)",
-                        true);
+            const std::string p = askFile(
+                "Export", k == "viewer" ? "PNG (*.png)" : "Images (*.exr *.png *.jpg)", true);
             if (!p.empty()) {
                 exportOutput(k, p);
             }

@@ -114,8 +114,8 @@ TEST_F(ColourSession, AnUnknownColourSpaceStopsTheLineAndChangesNothing) {
     ok("plate p.exr");
     const std::string list = "(it has: Linear Rec.709, ACEScg, ACES2065-1, "
                              "sRGB-encoded Rec.709, Raw)";
-    const std::string config = " is not in the colour configuration \"" +
-                               TsColour::getShippedConfigPath() + "\" ";
+    const std::string config =
+        " is not in the colour configuration \"" + TsColour::getShippedConfigPath() + "\" ";
     EXPECT_EQ(run("plate p.exr colorspace LogC"),
               "test.tss:1: colour space \"LogC\"" + config + list);
     EXPECT_EQ(run("background colorspace \"ARRI LogC\""),
@@ -124,6 +124,12 @@ TEST_F(ColourSession, AnUnknownColourSpaceStopsTheLineAndChangesNothing) {
               "test.tss:1: cannot write image \"" + path("out.exr") +
                   "\": colour space \"Cineon\"" + config + list);
     EXPECT_FALSE(std::filesystem::exists(path("out.exr")));
+    std::ofstream(path("damaged.ocio")) << "ocio_profile_version: 2\nroles: [\n";
+    EXPECT_EQ(run("ocio damaged.ocio")
+                  .rfind("test.tss:1: cannot read the colour configuration \"" +
+                             path("damaged.ocio") + "\": ",
+                         0),
+              0u);
     ok("expect colorspace plate == Linear Rec.709\nexpect undo count == 0");
 }
 

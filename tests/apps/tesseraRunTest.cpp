@@ -207,9 +207,11 @@ TEST_F(TesseraRunScene, ASetupRendersWithNoWindowSystem) {
 TEST_F(TesseraRunScene, ADamagedOcioConfigurationIsReportedAndTheShippedOneServes) {
     const std::string config = script("damaged.ocio", "ocio_profile_version: 2\nroles: [oops\n");
     const std::string s = script("key.tss", "plate demo 160 90\nexpect reports == 1\n"
-                                            "expect report contains " + config + "\n"
-                                            "expect colorspace working == Linear Rec.709\n"
-                                            "save key.tessera\nwrite source plate.exr\n");
+                                            "expect report contains " +
+                                                config +
+                                                "\n"
+                                                "expect colorspace working == Linear Rec.709\n"
+                                                "save key.tessera\nwrite source plate.exr\n");
     const std::string env = "env OCIO=" + config + " ";
     const Result session = run(env + runner + " --quiet --out " + dir.string() + " " + s);
     EXPECT_EQ(session.status, 0) << session.out;

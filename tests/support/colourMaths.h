@@ -49,7 +49,8 @@ inline Vector whiteXYZ(double x, double y) {
 }
 
 // RGB to XYZ for primaries and a white point given as xy chromaticities.
-inline Matrix rgbToXyz(const std::array<std::array<double, 2>, 3>& primaries, double wx, double wy) {
+inline Matrix rgbToXyz(const std::array<std::array<double, 2>, 3>& primaries, double wx,
+                       double wy) {
     Matrix p{};
     for (int c = 0; c < 3; ++c) {
         const Vector v = whiteXYZ(primaries[c][0], primaries[c][1]);
@@ -68,7 +69,8 @@ inline Matrix rgbToXyz(const std::array<std::array<double, 2>, 3>& primaries, do
 
 // The Bradford adaptation from one white to another.
 inline Matrix bradford(const Vector& from, const Vector& to) {
-    const Matrix b{{{0.8951, 0.2664, -0.1614}, {-0.7502, 1.7135, 0.0367}, {0.0389, -0.0685, 1.0296}}};
+    const Matrix b{
+        {{0.8951, 0.2664, -0.1614}, {-0.7502, 1.7135, 0.0367}, {0.0389, -0.0685, 1.0296}}};
     const Vector f = times(b, from);
     const Vector t = times(b, to);
     const Matrix scale{{{t[0] / f[0], 0, 0}, {0, t[1] / f[1], 0}, {0, 0, t[2] / f[2]}}};

@@ -41,8 +41,8 @@ protected:
 TEST_F(ShippedConfig, AcesCgConvertsToLinearRec709ByTheAdaptedPrimaries) {
     EXPECT_EQ(TsColour::getWorkingSpace(), "Linear Rec.709");
     const Matrix expected = acesCgToRec709();
-    const std::vector<Vector> colours{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0.18, 0.18, 0.18},
-                                      {0.9, 0.35, 0.02}, {4.0, -0.1, 0.5}};
+    const std::vector<Vector> colours{{1, 0, 0},          {0, 1, 0},         {0, 0, 1},
+                                      {0.18, 0.18, 0.18}, {0.9, 0.35, 0.02}, {4.0, -0.1, 0.5}};
     PiImage image(static_cast<int>(colours.size()), 1);
     for (std::size_t i = 0; i < colours.size(); ++i) {
         const Vector& c = colours[i];

@@ -85,14 +85,14 @@ TsKeyerGroup::TsKeyerGroup(const LiString& name, int generation)
         _selected = rcMake<PiInput>(TsTool3::getSelectedNodesName(),
                                     PiValue(PiNodeRefList(std::tuple_size_v<Refs>)));
         addInput(_selected);
-        return;
+    } else {
+        for (int i = 0; i < static_cast<int>(_slots.size()); ++i) {
+            _slots[i] = rcMake<PiInput>("slot" + std::to_string(i + 1), PiValue(PiNodeRef{}));
+            addInput(_slots[i]);
+        }
+        _selected = rcMake<PiInput>(TsTool3::getSelectedNodesName(), PiValue(PiNodeRef{}));
+        addInput(_selected);
     }
-    for (int i = 0; i < static_cast<int>(_slots.size()); ++i) {
-        _slots[i] = rcMake<PiInput>("slot" + std::to_string(i + 1), PiValue(PiNodeRef{}));
-        addInput(_slots[i]);
-    }
-    _selected = rcMake<PiInput>(TsTool3::getSelectedNodesName(), PiValue(PiNodeRef{}));
-    addInput(_selected);
     _plateSpace = rcMake<PiInput>("plateColorSpace", PiValue(PiStringList{}));
     _backgroundSpace = rcMake<PiInput>("backgroundColorSpace", PiValue(PiStringList{}));
     for (const RCShdPtr<PiInput>& space : {_plateSpace, _backgroundSpace}) {

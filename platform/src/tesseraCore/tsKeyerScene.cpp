@@ -155,8 +155,8 @@ bool TsKeyerScene::reread(Source source) {
         return true;
     }
     std::string error;
-    if (!readSource(source, file.path,
-                    source == Source::Plate ? _plateName : _backgroundName, error)) {
+    if (!readSource(source, file.path, source == Source::Plate ? _plateName : _backgroundName,
+                    error)) {
         ExReporter::getInstance().report("scene", error);
         return false;
     }

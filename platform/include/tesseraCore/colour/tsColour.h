@@ -65,9 +65,8 @@ public:
     // apart, in place from one space to another, rows in parallel; alpha is
     // left as it is. A conversion between the same space copies nothing and
     // costs nothing. False and `error` for an unknown name.
-    static bool convert(float* rgba, std::size_t width, std::size_t height,
-                        std::size_t rowStride, const std::string& from, const std::string& to,
-                        std::string& error);
+    static bool convert(float* rgba, std::size_t width, std::size_t height, std::size_t rowStride,
+                        const std::string& from, const std::string& to, std::string& error);
     static bool convert(PiImage& image, const std::string& from, const std::string& to,
                         std::string& error);
 };

@@ -172,8 +172,7 @@ std::string notFound(const Current& c, const std::string& subject,
         list += (list.empty() ? "" : ", ") + n;
     }
     const std::string file = c.path.empty() ? "built-in raw configuration" : c.path;
-    return subject + " is not in the colour configuration \"" + file + "\" (it has: " + list +
-           ")";
+    return subject + " is not in the colour configuration \"" + file + "\" (it has: " + list + ")";
 }
 
 std::string spaceName(const OCIO::ConstConfigRcPtr& config, const std::string& name) {

@@ -29,9 +29,8 @@ public:
         if (!cpu) {
             // Shown as the values are, clamped.
             for (std::size_t i = 0; i < 4 * count; ++i) {
-                out[i] = static_cast<unsigned char>(
-                    std::lround(std::clamp(std::isnan(rgba[i]) ? 0.0f : rgba[i], 0.0f, 1.0f) *
-                                255.0f));
+                out[i] = static_cast<unsigned char>(std::lround(
+                    std::clamp(std::isnan(rgba[i]) ? 0.0f : rgba[i], 0.0f, 1.0f) * 255.0f));
             }
             return;
         }
