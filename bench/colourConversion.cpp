@@ -5,17 +5,18 @@
 //
 // The plate is the demo plate generated at 3840 x 2160, taken to ACEScg
 // once.
+#include "plainCopy.h"
+
 #include <tesseraCore/colour/tsColour.h>
+#include <tesseraCore/colour/tsDisplayTransform.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
 
 #include <benchmark/benchmark.h>
-#include <oneapi/tbb/blocked_range.h>
 #include <oneapi/tbb/global_control.h>
-#include <oneapi/tbb/parallel_for.h>
 
 #include <chrono>
-#include <cstring>
 #include <stdexcept>
+#include <vector>
 
 namespace {
 
@@ -32,16 +33,6 @@ const PiImage& acesCgPlate() {
         return image;
     }();
     return *plate;
-}
-
-void copyImage(const PiImage& in, PiImage& out) {
-    const std::size_t rowBytes = 4 * static_cast<std::size_t>(in.getWidth()) * sizeof(float);
-    tbb::parallel_for(tbb::blocked_range<int>(0, in.getHeight()),
-                      [&](const tbb::blocked_range<int>& rows) {
-                          for (int j = rows.begin(); j != rows.end(); ++j) {
-                              std::memcpy(out.row(j), in.row(j), rowBytes);
-                          }
-                      });
 }
 
 // Each iteration copies the ACEScg plate afresh (timed apart, as the
@@ -75,7 +66,25 @@ void BM_AcesCgToWorkingSpace(benchmark::State& state) {
                             static_cast<std::int64_t>(plate.getPixelCount()) * 16);
 }
 
+// The viewer's display transform alone, on a 1920 x 1080 image: its share
+// of the drag step's budget (the drag step itself, with it, is in
+// bench_keyerPass).
+void BM_DisplayTransform1920(benchmark::State& state) {
+    PiImage image(1920, 1080);
+    const PiImage& plate = acesCgPlate();
+    for (int j = 0; j < image.getHeight(); ++j) {
+        std::copy(plate.row(j), plate.row(j) + 4 * 1920, image.row(j));
+    }
+    const TsDisplayTransform display;
+    std::vector<unsigned char> shown(4 * image.getPixelCount());
+    for (auto _ : state) {
+        display.applyImage(image, shown.data(), 4 * 1920);
+        benchmark::DoNotOptimize(shown.data());
+    }
+}
+
 BENCHMARK(BM_AcesCgToWorkingSpace)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_DisplayTransform1920)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 } // namespace
 

@@ -9,6 +9,8 @@
 //   transform) within 16 ms (budget_share).
 //
 // The plate is the demo plate generated at 3840 x 2160.
+#include "plainCopy.h"
+
 #include <tesseraCore/colour/tsDisplayTransform.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/img/tsKeyerPass.h>
@@ -16,12 +18,9 @@
 #include <tesseraUtil/tsUtils.h>
 
 #include <benchmark/benchmark.h>
-#include <oneapi/tbb/blocked_range.h>
 #include <oneapi/tbb/global_control.h>
-#include <oneapi/tbb/parallel_for.h>
 
 #include <chrono>
-#include <cstring>
 #include <vector>
 
 namespace {
@@ -33,16 +32,6 @@ constexpr double DragBudgetSeconds = 0.016;
 const TsDemoPlate& uhdDemo() {
     static const TsDemoPlate demo(TsDemoPlate::Options{3840, 2160, 1});
     return demo;
-}
-
-void copyImage(const PiImage& in, PiImage& out) {
-    const std::size_t rowBytes = 4 * static_cast<std::size_t>(in.getWidth()) * sizeof(float);
-    tbb::parallel_for(tbb::blocked_range<int>(0, in.getHeight()),
-                      [&](const tbb::blocked_range<int>& rows) {
-                          for (int j = rows.begin(); j != rows.end(); ++j) {
-                              std::memcpy(out.row(j), in.row(j), rowBytes);
-                          }
-                      });
 }
 
 // Settings with every stage at work: the demo's default key, two patches, the

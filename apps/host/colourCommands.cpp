@@ -6,6 +6,8 @@
 
 #include <tesseraCore/colour/tsColour.h>
 
+#include <tuple>
+
 void ColourCommands::add(SessionInterpreter& interpreter) {
     SessionInterpreter& in = interpreter;
     HostSession& s = interpreter.getSession();
@@ -21,24 +23,22 @@ void ColourCommands::add(SessionInterpreter& interpreter) {
         }
         s.displayChanged();
     });
-    in.addCommand("exposure", [&s, &display](SessionArgs& a) {
-        const double stops = a.number("exposure in stops");
-        a.end();
-        std::string error;
-        if (!display.setExposure(stops, error)) {
-            throw SessionArgs::Error(error);
-        }
-        s.displayChanged();
-    });
-    in.addCommand("gamma", [&s, &display](SessionArgs& a) {
-        const double gamma = a.number("gamma");
-        a.end();
-        std::string error;
-        if (!display.setGamma(gamma, error)) {
-            throw SessionArgs::Error(error);
-        }
-        s.displayChanged();
-    });
+    // One number for the transform; refused ones change nothing.
+    using Setter = bool (TsDisplayTransform::*)(double, std::string&);
+    for (const auto& [command, what, set] :
+         {std::tuple<const char*, const char*, Setter>{"exposure", "exposure in stops",
+                                                       &TsDisplayTransform::setExposure},
+          {"gamma", "gamma", &TsDisplayTransform::setGamma}}) {
+        in.addCommand(command, [&s, &display, what, set](SessionArgs& a) {
+            const double value = a.number(what);
+            a.end();
+            std::string error;
+            if (!(display.*set)(value, error)) {
+                throw SessionArgs::Error(error);
+            }
+            s.displayChanged();
+        });
+    }
     in.addCommand("ocio", [&in, &s](SessionArgs& a) {
         const std::string file = a.word("colour configuration file");
         a.end();
