@@ -57,7 +57,7 @@ StudioColourBar::StudioColourBar(HostSession& session, Perform perform, QWidget*
     _plate = combo(" Plate ", "plateColourSpace");
     addSeparator();
     _display = combo(" Display ", "display");
-    _view = combo(" View ", "displayView");
+    _view = combo(" Display view ", "displayView");
     _exposure = spin(" Exposure ", "exposure", -20.0, 20.0);
     _gamma = spin(" Gamma ", "gamma", 0.1, 10.0);
     addSeparator();

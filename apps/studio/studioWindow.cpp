@@ -425,6 +425,7 @@ void StudioWindow::buildToolBar() {
     bar->addWidget(_frame);
     _colour = new StudioColourBar(
         *_session, [this](const std::string& line) { return perform(line); }, this);
+    addToolBarBreak();
     addToolBar(_colour);
 }
 
