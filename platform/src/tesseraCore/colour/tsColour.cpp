@@ -3,6 +3,8 @@
 #include <tesseraCore/colour/tsColour.h>
 
 #include <base/exReporter.h>
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
 #include <resmgt/liResourcePath.h>
 
 #include <oneapi/tbb/blocked_range.h>
@@ -48,9 +50,9 @@ std::string oneLine(std::string text) {
 }
 
 OCIO::ConstConfigRcPtr readConfig(const std::string& path, std::string& error) {
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) {
-        error = "cannot read the colour configuration \"" + path + "\": no such file";
+    std::string reason;
+    if (!FsInputFile::check(path, ZnLimits::ResourceBytes, "a colour configuration", reason)) {
+        error = "cannot read the colour configuration \"" + path + "\": " + reason;
         return {};
     }
     try {
