@@ -118,9 +118,15 @@ std::string SessionProbe::format(const PiValue& value) const {
         return out.empty() ? "none" : out;
     }
     case PiValueType::Image: {
-        const PiImagePtr& image = std::get<PiImagePtr>(value);
-        return image ? std::to_string(image->getWidth()) + "x" + std::to_string(image->getHeight())
-                     : "none";
+        const PiClipPtr& clip = std::get<PiClipPtr>(value);
+        if (!clip) {
+            return "none";
+        }
+        const PiFrameRange range = clip->getFrameRange();
+        return std::to_string(clip->getClipWidth()) + "x" + std::to_string(clip->getClipHeight()) +
+               (range.unbounded
+                    ? ""
+                    : " " + std::to_string(range.first) + "-" + std::to_string(range.last));
     }
     case PiValueType::NodeRef: {
         const RCShdPtr<PiNode> node = _session.getKeyer()->resolve(std::get<PiNodeRef>(value));

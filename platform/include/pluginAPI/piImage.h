@@ -3,19 +3,20 @@
 #include <base/coRgbaColorTyped.h>
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
+#include <pluginAPI/piClip.h>
 
 #include <cstddef>
 #include <vector>
 
 // A float RGBA image as the host passes it between nodes, the viewer and the
 // image picker: scene-linear, straight (not premultiplied) colour, alpha in
-// [0, 1].
+// [0, 1]. An image is a still clip: the same image at every frame.
 //
 // Coordinates follow the viewer's world: pixel (i, j) covers [i, i+1) x
 // [j, j+1), origin at the lower-left corner, y up. Rows are stored bottom to
 // top, pixels left to right, four floats a pixel, so row j starts at
 // data() + 4 * width * j. Readers of top-down files flip on load.
-class PiImage : public RCBase<LkCounter<int>> {
+class PiImage : public PiClip {
 public:
     PiImage() = default;
     PiImage(int width, int height);
@@ -34,6 +35,13 @@ public:
     const float* row(int j) const {
         return _pixels.data() + 4 * static_cast<std::size_t>(_width) * j;
     }
+
+    // --- PiClip
+    PiImagePtr getImageAt(double, std::string* = nullptr) const override {
+        return PiImagePtr(this);
+    }
+    int getClipWidth() const override { return _width; }
+    int getClipHeight() const override { return _height; }
 
     bool contains(int i, int j) const { return i >= 0 && j >= 0 && i < _width && j < _height; }
     // Unchecked: the caller tests contains().
@@ -54,5 +62,3 @@ private:
     int _height = 0;
     std::vector<float> _pixels;
 };
-
-using PiImagePtr = RCShdPtr<const PiImage>;

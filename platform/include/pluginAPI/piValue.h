@@ -30,13 +30,13 @@ enum class PiValueType : int {
     Bool = 2,
     RgbColor = 3, // CoRgbColorTyped<float>: the value of structured colour inputs
     StringList = 4,
-    Image = 5, // RCShdPtr<const PiImage>: an image input, constant over time
+    Image = 5, // PiClipPtr: an image input (a still or a sequence), not animated
     NodeRef = 6,
     NodeRefList = 7,
 };
 
 // One value of an input. The alternatives are in PiValueType order.
-using PiValue = std::variant<double, int, bool, CoRgbColorTyped<float>, PiStringList, PiImagePtr,
+using PiValue = std::variant<double, int, bool, CoRgbColorTyped<float>, PiStringList, PiClipPtr,
                              PiNodeRef, PiNodeRefList>;
 
 // The PiValueType of a C++ value type (only the types of PiValue have one).
@@ -63,7 +63,7 @@ struct PiValueTypeOf<PiStringList> {
     static constexpr PiValueType value = PiValueType::StringList;
 };
 template <>
-struct PiValueTypeOf<PiImagePtr> {
+struct PiValueTypeOf<PiClipPtr> {
     static constexpr PiValueType value = PiValueType::Image;
 };
 template <>
@@ -82,7 +82,7 @@ public:
     // "double", "int", "bool", "rgb", "strings", "image", "node", "nodes".
     static const char* getTypeName(PiValueType type);
 
-    // Exact equality (images compare by identity).
+    // Exact equality (clips compare by identity).
     static bool equal(const PiValue& a, const PiValue& b);
 
     // False for a double or colour component that is infinite or NaN.

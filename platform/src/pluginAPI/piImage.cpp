@@ -1,6 +1,13 @@
 #include <pluginAPI/piImage.h>
 
 #include <algorithm>
+#include <cmath>
+
+PiClip::~PiClip() = default;
+
+int PiClip::frameOf(double time) {
+    return static_cast<int>(std::lround(time));
+}
 
 PiImage::PiImage(int width, int height)
     : _width(std::max(0, width))

@@ -29,7 +29,8 @@ PiImgPick::PiImgPick(const RCShdPtr<const PiInput>& input,
     , _stream(stream) {}
 
 PiImagePtr PiImgPick::getImage() const {
-    return _input->getTypedValue<PiImagePtr>(_timePath ? _timePath->getTime() : 0.0);
+    const PiClipPtr clip = _input->getTypedValue<PiClipPtr>(0.0);
+    return clip ? clip->getImageAt(_timePath ? _timePath->getTime() : 0.0) : PiImagePtr();
 }
 
 bool PiImgPick::accepts(const PiEventContext& context) const {

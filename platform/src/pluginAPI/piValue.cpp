@@ -33,7 +33,7 @@ bool PiValueUtil::equal(const PiValue& a, const PiValue& b) {
         [&b](const auto& va) {
             using T = std::decay_t<decltype(va)>;
             const T& vb = std::get<T>(b);
-            if constexpr (std::is_same_v<T, PiImagePtr>) {
+            if constexpr (std::is_same_v<T, PiClipPtr>) {
                 return va.get() == vb.get();
             } else {
                 return va == vb;
@@ -110,9 +110,9 @@ LiString PiValueUtil::toText(const PiValue& v) {
                     os << (i ? ", " : "") << '"' << value[i] << '"';
                 }
                 os << "]";
-            } else if constexpr (std::is_same_v<T, PiImagePtr>) {
+            } else if constexpr (std::is_same_v<T, PiClipPtr>) {
                 if (value) {
-                    os << "image " << value->getWidth() << "x" << value->getHeight();
+                    os << "image " << value->getClipWidth() << "x" << value->getClipHeight();
                 } else {
                     os << "no image";
                 }

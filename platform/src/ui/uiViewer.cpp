@@ -229,7 +229,8 @@ PiImagePtr UiViewer::getPlate() const {
     if (!input || input->getType() != PiValueType::Image) {
         return PiImagePtr();
     }
-    return input->getTypedValue<PiImagePtr>(_time.getTime());
+    const PiClipPtr clip = input->getTypedValue<PiClipPtr>(0.0);
+    return clip ? clip->getImageAt(_time.getTime()) : PiImagePtr();
 }
 
 GeRectangle<float> UiViewer::getImageExtent() const {

@@ -9,7 +9,8 @@
 namespace {
 
 PiImagePtr imageOf(const RCShdPtr<PiInput>& input, double frame) {
-    return input ? input->getTypedValue<PiImagePtr>(frame) : PiImagePtr();
+    const PiClipPtr clip = input ? input->getTypedValue<PiClipPtr>(0.0) : PiClipPtr();
+    return clip ? clip->getImageAt(frame) : PiImagePtr();
 }
 
 // Grows with every change of any input of the node: the cache's staleness
