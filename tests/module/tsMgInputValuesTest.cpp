@@ -125,6 +125,7 @@ TEST_F(MatteValues, ViewsReadAtTheTimePathsTimeAndFollowIt) {
     PiInput& overall = *mg->getMatteParamInput(TsMgTypes::Overall);
     overall.setKey(0.0, PiValue(0.0));
     overall.setKey(20.0, PiValue(1.0));
+    overall.setInterpolation(PiInterpolation::Linear);
     EXPECT_FLOAT_EQ(values->getValue(TsMgTypes::Overall), 0.5f);
     clock->setTime(15.0);
     EXPECT_FALSE(values->getParamValue(TsMgTypes::Overall)->needsUpdate());

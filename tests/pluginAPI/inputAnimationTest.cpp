@@ -40,23 +40,56 @@ TEST_F(AnimatedInputs, WithoutKeysAWriteAtAnyTimeSetsTheValueAtEveryTime) {
     EXPECT_EQ(a.getValue(1e6), 0.25);
 }
 
-TEST_F(AnimatedInputs, KeysInterpolateLinearlyAndHoldOutsideTheirSpan) {
+// Between two keys a smooth curve eases out of the first and into the second:
+// a + (b - a) (3 s^2 - 2 s^3) at a fraction s of the way.
+double eased(double a, double b, double s) {
+    return a + (b - a) * (3 * s * s - 2 * s * s * s);
+}
+
+TEST_F(AnimatedInputs, KeysInterpolateAndHoldOutsideTheirSpan) {
     PiTypedAnimInput<double> a(amount);
     ASSERT_TRUE(a.setKey(10.0, 0.2));
     ASSERT_TRUE(a.setKey(20.0, 0.6));
     EXPECT_DOUBLE_EQ(a.getValue(15.0), 0.4);
-    EXPECT_DOUBLE_EQ(a.getValue(12.5), 0.3);
+    EXPECT_DOUBLE_EQ(a.getValue(12.5), eased(0.2, 0.6, 0.25));
     EXPECT_EQ(a.getValue(10.0), 0.2);
     EXPECT_EQ(a.getValue(20.0), 0.6);
     EXPECT_EQ(a.getValue(0.0), 0.2);
     EXPECT_EQ(a.getValue(99.0), 0.6);
-    // With keys a write at a time sets (or adds) the key there.
+    EXPECT_TRUE(amount->setInterpolation(PiInterpolation::Linear));
+    EXPECT_DOUBLE_EQ(a.getValue(12.5), 0.3);
+    // With keys a write at a time sets (or adds) the key there; the key that
+    // was there keeps its interpolation, a new one is smooth.
     EXPECT_TRUE(a.setValue(15.0, 1.0));
     EXPECT_EQ(amount->getKeyCount(), 3);
     EXPECT_EQ(a.getValue(15.0), 1.0);
     EXPECT_TRUE(a.setValue(20.0, 0.0));
     EXPECT_EQ(amount->getKeyCount(), 3);
-    EXPECT_DOUBLE_EQ(a.getValue(17.5), 0.5);
+    EXPECT_DOUBLE_EQ(a.getValue(12.5), 0.6) << "linear from the key at 10";
+    EXPECT_DOUBLE_EQ(a.getValue(17.5), eased(1.0, 0.0, 0.5));
+}
+
+TEST_F(AnimatedInputs, SmoothCurvesPassTheirKeysWithoutKinksOrOvershoot) {
+    PiTypedAnimInput<double> a(amount);
+    for (const auto& [t, v] : {std::pair{0.0, 0.0}, {10.0, 0.9}, {14.0, 1.0}, {30.0, 0.2}}) {
+        ASSERT_TRUE(a.setKey(t, v));
+    }
+    double previous = a.getValue(0.0);
+    for (double t = 0.25; t <= 30.0; t += 0.25) {
+        const double v = a.getValue(t);
+        EXPECT_GE(v, 0.0) << t;
+        EXPECT_LE(v, 1.0) << t;
+        if (t <= 14.0) {
+            EXPECT_GE(v, previous) << "rising keys rise all the way, at " << t;
+        }
+        previous = v;
+    }
+    // The slope is continuous through the key at 10.
+    const double h = 1e-4;
+    const double left = (a.getValue(10.0) - a.getValue(10.0 - h)) / h;
+    const double right = (a.getValue(10.0 + h) - a.getValue(10.0)) / h;
+    EXPECT_NEAR(left, right, 1e-3);
+    EXPECT_GT(left, 0.0);
 }
 
 TEST_F(AnimatedInputs, IntegersHoldTheLastKeyColoursInterpolate) {
@@ -70,9 +103,9 @@ TEST_F(AnimatedInputs, IntegersHoldTheLastKeyColoursInterpolate) {
     c.setKey(0.0, {0.0f, 0.2f, 1.0f});
     c.setKey(4.0, {1.0f, 0.6f, 0.0f});
     const auto mid = c.getValue(1.0);
-    EXPECT_FLOAT_EQ(mid.r, 0.25f);
-    EXPECT_FLOAT_EQ(mid.g, 0.3f);
-    EXPECT_FLOAT_EQ(mid.b, 0.75f);
+    EXPECT_FLOAT_EQ(mid.r, static_cast<float>(eased(0.0, 1.0, 0.25)));
+    EXPECT_FLOAT_EQ(mid.g, static_cast<float>(eased(0.2, 0.6, 0.25)));
+    EXPECT_FLOAT_EQ(mid.b, static_cast<float>(eased(1.0, 0.0, 0.25)));
 }
 
 TEST_F(AnimatedInputs, RemovingTheLastKeyKeepsItsValueAsTheConstant) {

@@ -25,6 +25,7 @@ protected:
         graph->getRoot()->addNode(node);
         softness->setKey(0.0, PiValue(0.0));
         softness->setKey(10.0, PiValue(1.0));
+        softness->setInterpolation(PiInterpolation::Linear);
         client = std::make_unique<TmTimeClient>(5.0);
         timePath = RCShdPtr<const PiTimePath>(
             new PiTimePath(client.get(), RCShdPtr<const PiPath>(new PiPath(node))));
@@ -50,6 +51,7 @@ TEST_F(InputViews, AViewReadsAndWritesAtItsTimePathsTime) {
     EXPECT_DOUBLE_EQ(view->getValue(), 0.5);
     EXPECT_TRUE(view->setValue(0.9)); // a key at frame 5
     EXPECT_TRUE(softness->hasKeyAt(5.0));
+    softness->setInterpolation(PiInterpolation::Linear);
     client->setTime(7.5);
     EXPECT_DOUBLE_EQ(view->getValue(), 0.95);
     EXPECT_EQ(timePath->getPath()->toString(), "/node");
@@ -59,6 +61,7 @@ TEST_F(InputViews, NeedsUpdateTellsAStaleCacheFromEditsAndTimeChanges) {
     auto view = PiInputValue<double>::createTyped(softness, timePath);
     EXPECT_FALSE(view->needsUpdate());
     softness->setKey(10.0, PiValue(0.5));
+    softness->setInterpolation(PiInterpolation::Linear);
     EXPECT_TRUE(view->needsUpdate());
     EXPECT_DOUBLE_EQ(view->getValue(), 0.25); // live even before the update
     view->update();

@@ -79,6 +79,7 @@ protected:
         PiTypedAnimInput<double> overall(mg->getMatteParamInput(TsMgTypes::Overall));
         overall.setKey(0.0, 0.125);
         overall.setKey(48.5, 1.0 / 3.0);
+        mg->getMatteParamInput(TsMgTypes::Overall)->setInterpolation(PiInterpolation::Linear);
         PiTypedAnimInput<CoRgbColorTyped<float>> key(mg->getKeyColorInput(TsTypes::KeyColor1));
         key.setKey(3.0, {0.1f, 0.7f, 0.2f});
         key.setKey(9.0, {0.11f, 0.69f, 0.25f});
@@ -230,7 +231,7 @@ TEST_F(SetupScene, ANodeEditedInStepsUndoneRedoneSavedAndReloadedIsExact) {
 TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
     writeFile("shot.setup", "old contents");
     ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
-    EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 2\n", 0), 0u);
+    EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 3\n", 0), 0u);
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
     // An ordinary document: readable by others as the umask allows, not
     // private like the temporary file it was written through.
@@ -263,7 +264,7 @@ TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
         return std::make_pair(out, found);
     };
     expectRefused("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 1, "not a keyer setup");
-    expectRefused("tessera-setup 3\nend\n", 1, "version 3");
+    expectRefused("tessera-setup 4\nend\n", 1, "version 4");
     expectRefused(
         good.substr(0, good.size() / 2),
         static_cast<int>(std::count(good.begin(), good.begin() + good.size() / 2, '\n')) + 1, "");
@@ -276,8 +277,8 @@ TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
         expectRefused(text, line, "holds double values, not int");
     }
     {
-        auto [text, line] =
-            replaceLine("input \"overall\"", "input \"overall\" double 0.5 keys 2 4 0.1 2 0.3");
+        auto [text, line] = replaceLine(
+            "input \"overall\"", "input \"overall\" double 0.5 keys 2 4 0.1 linear 2 0.3 smooth");
         expectRefused(text, line, "increasing time");
     }
     {
@@ -300,18 +301,23 @@ TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
 }
 
 // Setups of the first version load: a node's patch inputs beyond its names
-// (left by a reset) were no patches and do not come back, and a second
-// generation group's slots, six inputs of their own then, go into its
-// selected-nodes value.
+// (left by a reset) were no patches and do not come back, its keys are
+// linear, and a second generation group's slots, six inputs of their own
+// then, go into its selected-nodes value.
 TEST_F(SetupScene, FirstVersionSetupsLoad) {
     writeFile("node.setup", "tessera-setup 1\nnode \"keyer1\"\npatches 3\n"
                             "input \"patchNames\" strings 1 \"A\"\n"
-                            "input \"patch1.range\" double 0.25\nend\n");
+                            "input \"patch1.range\" double 0.25\n"
+                            "input \"overall\" double 0.5 keys 2 0 0 10 1\nend\n");
     const auto node = group->getKeyerNode(0);
     ASSERT_TRUE(TsSetup::load(*node, path("node.setup")));
     EXPECT_EQ(node->getPatchNames(), (std::vector<std::string>{"A"}));
     EXPECT_EQ(node->getPatchInputCount(), 1);
     EXPECT_EQ(node->getPatchRangeInput(0)->getTypedValue<double>(0), 0.25);
+    const PiInput& overall = *node->getMatteParamInput(TsMgTypes::Overall);
+    ASSERT_EQ(overall.getKeyCount(), 2);
+    EXPECT_EQ(overall.getKeys()[0].interpolation, PiInterpolation::Linear);
+    EXPECT_DOUBLE_EQ(overall.getTypedValue<double>(2.5), 0.25);
 
     auto other = PiGraph::create();
     auto second = TsKeyerGroup::create("keyer", 2, 2);

@@ -17,10 +17,22 @@
 class PiNode;
 class PiCommandStack;
 
+// How the value runs from one key to the next (the key's own setting is that
+// of the stretch after it):
+//   Linear  a straight line between the two keys;
+//   Smooth  a cubic through the keys whose slope at each key is the mean of
+//           the slopes of the lines to its neighbours, limited so that the
+//           curve never overshoots (flat at a key that is a peak or a dip,
+//           and at the first and the last key: the value eases in and out).
+// New keys are smooth; keys of setups saved before keys had a setting are
+// linear.
+enum class PiInterpolation { Linear, Smooth };
+
 // One animation key: the input's value at a frame.
 struct PiAnimKey {
     double time = 0.0;
     PiValue value;
+    PiInterpolation interpolation = PiInterpolation::Smooth;
 };
 
 // Everything an input holds that an edit can change: what the command stack
@@ -39,10 +51,10 @@ struct PiInputState {
 // A value of a node: typed, animatable, lockable, observable.
 //
 // Reading at a time: without keys the input holds its constant value at every
-// time; with keys, doubles and colours interpolate linearly between the two
-// keys around the time, integers and flags hold the value of the last key at
-// or before it, and before the first key (after the last) the first (last)
-// key's value holds.
+// time; with keys, doubles and colours interpolate between the two keys
+// around the time as the first of them says (PiInterpolation), integers and
+// flags hold the value of the last key at or before it, and before the first
+// key (after the last) the first (last) key's value holds.
 //
 // Writing: every change goes through the command stack of the graph that
 // holds the input's node (PiCommandStack), so it is undoable; an input of a
@@ -96,8 +108,11 @@ public:
         return setValue(time, PiValue(value));
     }
     // Sets (or adds) the key at the time; the first key of an input turns it
-    // from constant to animated. Refused for kinds that do not animate.
+    // from constant to animated. Refused for kinds that do not animate. A new
+    // key is smooth; a key that was there keeps its interpolation.
     bool setKey(double time, const PiValue& value);
+    // Sets the interpolation of every key (one change); false without keys.
+    bool setInterpolation(PiInterpolation interpolation);
     // Removes the key at exactly that time; false when there is none. The last
     // key's value becomes the constant value when the last key goes.
     bool removeKey(double time);
@@ -183,30 +198,8 @@ T PiInput::getTypedValue(double time) const {
     if (_type != PiValueTypeOf<T>::value) {
         wrongType("_type == PiValueTypeOf<T>::value");
     }
-    const auto& keys = _state.keys;
-    if (keys.empty()) {
+    if (_state.keys.empty()) {
         return std::get<T>(_state.constant);
     }
-    auto after = std::upper_bound(keys.begin(), keys.end(), time,
-                                  [](double t, const PiAnimKey& k) { return t < k.time; });
-    if (after == keys.begin()) {
-        return std::get<T>(after->value);
-    }
-    const PiAnimKey& a = *(after - 1);
-    if (after == keys.end()) {
-        return std::get<T>(a.value);
-    }
-    const PiAnimKey& b = *after;
-    const double f = (time - a.time) / (b.time - a.time);
-    if constexpr (std::is_same_v<T, double>) {
-        const double va = std::get<double>(a.value);
-        return va + (std::get<double>(b.value) - va) * f;
-    } else if constexpr (std::is_same_v<T, CoRgbColorTyped<float>>) {
-        const auto& ca = std::get<T>(a.value);
-        const auto& cb = std::get<T>(b.value);
-        const float ff = static_cast<float>(f);
-        return {ca.r + (cb.r - ca.r) * ff, ca.g + (cb.g - ca.g) * ff, ca.b + (cb.b - ca.b) * ff};
-    } else {
-        return std::get<T>(a.value);
-    }
+    return std::get<T>(getValue(time));
 }

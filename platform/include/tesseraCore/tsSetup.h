@@ -10,27 +10,30 @@
 //
 // The format, one statement a line ('#' starts a comment outside quotes):
 //
-//   tessera-setup 2                      the format and its version: first
+//   tessera-setup 3                      the format and its version: first
 //   group "keyer" generation 1           a group section (group setups only)
 //   input "slot1" node "keyer1"          a node reference: a quoted name of a
 //   input "slot2" node -                 node in the group, - for none, self
 //   input "selectedNodes" node self      for the group itself
 //   node "keyer1"                        a keyer node section
 //   patches 2                            how many patches have inputs
-//   input "overall" double 0.25 keys 2 0 0.2 24 0.8
+//   input "overall" double 0.25 keys 2 0 0.2 smooth 24 0.8 linear
 //   input "keyColor1" rgb locked 0.1 0.7 0.2
 //   input "patchNames" strings 2 "Patch 1" "Patch 2"
 //   end                                  the last line
 //
-// An input line is: input NAME TYPE [locked] VALUE [keys N TIME VALUE ...],
-// VALUE being the constant value (for an int, a bool: true or false, an rgb:
-// three numbers, a list: its length and its items). Numbers are written in
-// the shortest form that reads back to the same value. A second-generation
-// group keeps its slots in its selected-nodes value:
+// An input line is: input NAME TYPE [locked] VALUE [keys N TIME VALUE
+// INTERPOLATION ...], VALUE being the constant value (for an int, a bool: true
+// or false, an rgb: three numbers, a list: its length and its items),
+// INTERPOLATION linear or smooth (the stretch after the key;
+// PiInterpolation). Numbers are written in the shortest form that reads back
+// to the same value. A second-generation group keeps its slots in its
+// selected-nodes value:
 //
 //   input "selectedNodes" nodes 7 "keyer1" "keyer1" "keyer2" - - - -
 //
-// Version 1 setups load too: a second-generation group's slot inputs
+// Older setups load too. Version 1 and 2 keys carry no interpolation: they
+// were linear. In version 1, a second-generation group's slot inputs
 // ("slot1" .. "slot6") go into that value, and a node's patch inputs beyond
 // its patch names (which a reset used to leave) are not loaded.
 //
@@ -45,7 +48,7 @@
 class TsSetup {
 public:
     // The version written; versions 1 to Version are read.
-    static constexpr int Version = 2;
+    static constexpr int Version = 3;
 
     // `keyer` is a TsKeyerGroup or a TsKeyerNode. On failure both answer
     // false, report through ExReporter and, when `error` is given, put the

@@ -4,6 +4,7 @@
 
 #include <base/exReporter.h>
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 
@@ -14,11 +15,72 @@ bool sameKeys(const std::vector<PiAnimKey>& a, const std::vector<PiAnimKey>& b) 
         return false;
     }
     for (std::size_t i = 0; i < a.size(); ++i) {
-        if (a[i].time != b[i].time || !PiValueUtil::equal(a[i].value, b[i].value)) {
+        if (a[i].time != b[i].time || a[i].interpolation != b[i].interpolation ||
+            !PiValueUtil::equal(a[i].value, b[i].value)) {
             return false;
         }
     }
     return true;
+}
+
+// The components a value interpolates in: a double's one, a colour's three.
+int componentsOf(const PiValue& v) {
+    return std::holds_alternative<double>(v)                   ? 1
+           : std::holds_alternative<CoRgbColorTyped<float>>(v) ? 3
+                                                               : 0;
+}
+
+double component(const PiValue& v, int c) {
+    if (const double* d = std::get_if<double>(&v)) {
+        return *d;
+    }
+    const auto& rgb = std::get<CoRgbColorTyped<float>>(v);
+    return c == 0 ? rgb.r : c == 1 ? rgb.g : rgb.b;
+}
+
+// The slope (value per frame) of the smooth curve at key i.
+double slopeAt(const std::vector<PiAnimKey>& keys, std::size_t i, int c) {
+    if (i == 0 || i + 1 == keys.size()) {
+        return 0.0;
+    }
+    const double before = (component(keys[i].value, c) - component(keys[i - 1].value, c)) /
+                          (keys[i].time - keys[i - 1].time);
+    const double after = (component(keys[i + 1].value, c) - component(keys[i].value, c)) /
+                         (keys[i + 1].time - keys[i].time);
+    if (before * after <= 0.0) {
+        return 0.0;
+    }
+    const double mean = 0.5 * (before + after);
+    const double limit = 3.0 * std::min(std::fabs(before), std::fabs(after));
+    return std::copysign(std::min(std::fabs(mean), limit), mean);
+}
+
+// The value between keys i and i + 1.
+PiValue between(const std::vector<PiAnimKey>& keys, std::size_t i, double time) {
+    const PiAnimKey& a = keys[i];
+    const PiAnimKey& b = keys[i + 1];
+    const double span = b.time - a.time;
+    const double s = (time - a.time) / span;
+    if (a.interpolation == PiInterpolation::Linear || componentsOf(a.value) == 0) {
+        return PiValueUtil::interpolate(a.value, b.value, s);
+    }
+    // Cubic Hermite on [0, 1], slopes scaled by the span.
+    const double s2 = s * s;
+    const double s3 = s2 * s;
+    const double h00 = 2 * s3 - 3 * s2 + 1;
+    const double h10 = s3 - 2 * s2 + s;
+    const double h01 = -2 * s3 + 3 * s2;
+    const double h11 = s3 - s2;
+    double out[3] = {0.0, 0.0, 0.0};
+    for (int c = 0; c < componentsOf(a.value); ++c) {
+        out[c] = h00 * component(a.value, c) + h10 * span * slopeAt(keys, i, c) +
+                 h01 * component(b.value, c) + h11 * span * slopeAt(keys, i + 1, c);
+    }
+    if (std::holds_alternative<double>(a.value)) {
+        return out[0];
+    }
+    return CoRgbColorTyped<float>(static_cast<float>(out[0]), static_cast<float>(out[1]),
+                                  static_cast<float>(out[2]));
 }
 
 auto findKey(std::vector<PiAnimKey>& keys, double time) {
@@ -103,12 +165,10 @@ PiValue PiInput::getValue(double time) const {
     if (after == keys.begin()) {
         return after->value;
     }
-    const PiAnimKey& a = *(after - 1);
     if (after == keys.end()) {
-        return a.value;
+        return keys.back().value;
     }
-    return PiValueUtil::interpolate(a.value, after->value,
-                                    (time - a.time) / (after->time - a.time));
+    return between(keys, static_cast<std::size_t>(after - keys.begin() - 1), time);
 }
 
 bool PiInput::hasKeyAt(double time) const {
@@ -154,6 +214,22 @@ bool PiInput::setKey(double time, const PiValue& value) {
         _state.keys[index].value = std::move(v);
     } else {
         _state.keys.insert(_state.keys.begin() + index, PiAnimKey{time, std::move(v)});
+    }
+    edit.finish();
+    return true;
+}
+
+bool PiInput::setInterpolation(PiInterpolation interpolation) {
+    if (_state.locked || _state.keys.empty()) {
+        return false;
+    }
+    if (std::all_of(_state.keys.begin(), _state.keys.end(),
+                    [&](const PiAnimKey& k) { return k.interpolation == interpolation; })) {
+        return true;
+    }
+    Edit edit(*this);
+    for (PiAnimKey& k : _state.keys) {
+        k.interpolation = interpolation;
     }
     edit.finish();
     return true;

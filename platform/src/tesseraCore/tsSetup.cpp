@@ -103,7 +103,8 @@ void writeInputs(std::ostream& os, const PiNode& node, const TsKeyerGroup* group
         if (!s.keys.empty()) {
             os << " keys " << s.keys.size();
             for (const PiAnimKey& k : s.keys) {
-                os << " " << number(k.time) << " " << valueText(k.value, group);
+                os << " " << number(k.time) << " " << valueText(k.value, group)
+                   << (k.interpolation == PiInterpolation::Linear ? " linear" : " smooth");
             }
         }
         os << "\n";
@@ -349,7 +350,8 @@ PiValue readValue(Cursor& c, PiValueType type, std::vector<RefName>& refs) {
     c.fail("image inputs are not part of setups");
 }
 
-InputLine readInput(Cursor& c) {
+// Keys of version 1 and 2 setups carry no interpolation: they were linear.
+InputLine readInput(Cursor& c, int version) {
     InputLine in;
     in.line = c.line();
     in.name = c.name("an input name");
@@ -372,7 +374,16 @@ InputLine readInput(Cursor& c) {
         }
         for (int i = 0; i < n; ++i) {
             const double time = c.num<double>("a key time");
-            in.state.keys.push_back(PiAnimKey{time, readValue(c, in.type, in.refs)});
+            PiAnimKey key{time, readValue(c, in.type, in.refs), PiInterpolation::Linear};
+            if (version >= 3) {
+                const std::string interpolation = c.word("linear or smooth");
+                if (interpolation != "linear" && interpolation != "smooth") {
+                    c.fail("expected linear or smooth after a key's value, not " + interpolation);
+                }
+                key.interpolation =
+                    interpolation == "smooth" ? PiInterpolation::Smooth : PiInterpolation::Linear;
+            }
+            in.state.keys.push_back(std::move(key));
         }
     }
     c.end();
@@ -469,7 +480,7 @@ Setup parse(const std::string& text) {
             if (!current) {
                 c.fail("an input outside any group or node section");
             }
-            InputLine in = readInput(c);
+            InputLine in = readInput(c, setup.version);
             if (!current->inputIndex.emplace(in.name, current->inputs.size()).second) {
                 c.fail("input \"" + in.name + "\" appears twice");
             }
