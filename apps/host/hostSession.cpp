@@ -319,14 +319,17 @@ void HostSession::setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo) {
     _demo = demo;
 }
 
-void HostSession::setPlate(const PiImagePtr& plate, const std::string& name) {
+void HostSession::setPlate(const PiClipPtr& plate, const std::string& name) {
     _demo.reset();
     _scene->setPlate(plate, name);
+    if (plate && !plate->getFrameRange().contains(PiClip::frameOf(getFrame()))) {
+        setFrame(plate->getFrameRange().first);
+    }
     _viewer->fitImage();
     _viewer->redraw();
 }
 
-void HostSession::setBackground(const PiImagePtr& background, const std::string& name) {
+void HostSession::setBackground(const PiClipPtr& background, const std::string& name) {
     _scene->setBackground(background, name);
     _viewer->redraw();
 }

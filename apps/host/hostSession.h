@@ -104,15 +104,16 @@ public:
     bool loadSetup(const std::string& path, std::string& error);
 
     // --- the plate and the background (null for none)
-    void setPlate(const PiImagePtr& plate, const std::string& name);
-    void setBackground(const PiImagePtr& background, const std::string& name);
+    // A plate that is a sequence brings the frame into its range.
+    void setPlate(const PiClipPtr& plate, const std::string& name);
+    void setBackground(const PiClipPtr& background, const std::string& name);
     // Shows the built-in demo plate's plate, kept for its ground truth.
     void setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo);
     // The demo plate whose plate is shown; null for any other plate.
     const std::shared_ptr<const TsDemoPlate>& getDemo() const { return _demo; }
-    const PiImagePtr& getPlate() const { return _scene->getPlate(); }
+    const PiClipPtr& getPlate() const { return _scene->getPlate(); }
     const std::string& getPlateName() const { return _scene->getPlateName(); }
-    const PiImagePtr& getBackground() const { return _scene->getBackground(); }
+    const PiClipPtr& getBackground() const { return _scene->getBackground(); }
     const std::string& getBackgroundName() const { return _scene->getBackgroundName(); }
 
     // --- files and colour

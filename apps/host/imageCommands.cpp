@@ -7,6 +7,8 @@
 
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/io/tsSequenceClip.h>
 #include <tesseraCore/render/tsViewRender.h>
 
 #include <ui/uiViewer.h>
@@ -112,13 +114,39 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
         }
     });
 
+    // render [FIRST-LAST] [resume]: the frame-pattern writes so far, over the
+    // range (the plate's by default); they are done with then.
+    in.addCommand("render", [&writer](SessionArgs& a) {
+        TsShotRender::Options options;
+        while (!a.atEnd()) {
+            if (a.take("resume")) {
+                options.resume = true;
+            } else {
+                const std::string text = a.word("frame range");
+                if (!TsSequence::parseRange(text, options.frames)) {
+                    throw SessionArgs::Error("bad frame range \"" + text +
+                                             "\" (expected FIRST-LAST, as in 1001-1100)");
+                }
+            }
+        }
+        if (writer.getShotOutputs().empty()) {
+            throw SessionArgs::Error(
+                "nothing to render: no output is written to a frame pattern (NAME.####.exr)");
+        }
+        const TsShotRender::Result result = writer.renderShot(options);
+        if (!result.ok) {
+            throw SessionArgs::Error(result.error);
+        }
+        writer.clearShotOutputs();
+    });
+
     SessionProbe& probe = interpreter.getProbe();
     probe.addQuery("plate", [&s, &probe](SessionArgs&) {
-        const PiImagePtr& plate = s.getPlate();
+        const PiClipPtr& plate = s.getPlate();
         return plate ? s.getPlateName() + " " + probe.format(PiValue(plate)) : "none";
     });
     probe.addQuery("background", [&s, &probe](SessionArgs&) {
-        const PiImagePtr& background = s.getBackground();
+        const PiClipPtr& background = s.getBackground();
         return background ? s.getBackgroundName() + " " + probe.format(PiValue(background))
                           : "none";
     });

@@ -5,6 +5,7 @@
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/io/tsSequence.h>
 #include <tesseraCore/render/tsViewRender.h>
 #include <ui/uiViewer.h>
 
@@ -32,6 +33,16 @@ bool OutputWriter::write(const std::string& kind, const std::string& path, std::
     if (!colourSpace.empty() && (kind == "viewer" || kind == "setup" || kind == "summary")) {
         error = "a " + kind + " output takes no colour space";
         return false;
+    }
+    TsViewMode mode = TsViewMode::Composite;
+    if (TsSequence::isPattern(path)) {
+        if (kind != "comp" && !TsViewRender::parseView(kind, mode)) {
+            error =
+                "a " + kind + " is not written frame by frame (\"" + path + "\" names a sequence)";
+            return false;
+        }
+        _shotOutputs.push_back({kind, mode, path, colourSpace});
+        return true;
     }
     if (kind == "viewer") {
         ok = writeViewer(path, error);
@@ -93,4 +104,20 @@ bool OutputWriter::writeBytes(std::string_view bytes, const std::string& path, s
         return false;
     }
     return true;
+}
+
+TsShotRender::Result OutputWriter::renderShot(TsShotRender::Options options) const {
+    const RCShdPtr<TsKeyerNode> node = _session.getShownNode();
+    TsShotRender::Result result;
+    if (!node) {
+        result.error = "the viewer shows no keyer node";
+        return result;
+    }
+    if (options.frames.unbounded) {
+        const PiClipPtr& plate = _session.getPlate();
+        const PiFrameRange range = plate ? plate->getFrameRange() : PiFrameRange();
+        const int frame = PiClip::frameOf(_session.getFrame());
+        options.frames = range.unbounded ? PiFrameRange{frame, frame, false} : range;
+    }
+    return TsShotRender::run(*node, _shotOutputs, options);
 }

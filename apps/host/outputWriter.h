@@ -2,6 +2,8 @@
 
 #include "sessionSummary.h"
 
+#include <tesseraCore/render/tsShotRender.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +23,10 @@ class HostSession;
 // fails (a full disk, a file size limit, a target that is not a regular
 // file) answers false with the file and the reason, and leaves an earlier
 // file as it was.
+//
+// A view written to a frame pattern (`write matte out/matte.####.exr`) is an
+// output of the shot: it is kept, and written for every frame of a range by
+// renderShot (tessera-run does that once the session has run).
 class OutputWriter {
 public:
     explicit OutputWriter(HostSession& session);
@@ -34,6 +40,13 @@ public:
                const std::string& colourSpace = {});
     const SessionSummary::Outputs& getWritten() const { return _written; }
 
+    const std::vector<TsShotRender::Output>& getShotOutputs() const { return _shotOutputs; }
+    // The shot outputs are done with (a `render` line rendered them).
+    void clearShotOutputs() { _shotOutputs.clear(); }
+    // Renders the shot outputs over the frames with the shown node; a range
+    // that is unbounded means the plate's (a still's: the current frame).
+    TsShotRender::Result renderShot(TsShotRender::Options options) const;
+
 private:
     bool writeView(const std::string& kind, const std::string& path, const std::string& colourSpace,
                    std::string& error);
@@ -41,4 +54,5 @@ private:
 
     HostSession& _session;
     SessionSummary::Outputs _written;
+    std::vector<TsShotRender::Output> _shotOutputs;
 };

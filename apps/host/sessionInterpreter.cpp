@@ -11,6 +11,7 @@
 #include "viewerCommands.h"
 
 #include <base/exReporter.h>
+#include <tesseraCore/io/tsSequence.h>
 
 #include <algorithm>
 #include <cmath>
@@ -83,13 +84,18 @@ std::string SessionInterpreter::inputPath(const std::string& path) const {
     if (p.is_absolute()) {
         return path;
     }
+    // A frame pattern is found where its folder is.
+    auto found = [&path](const std::filesystem::path& candidate) {
+        std::error_code ec;
+        return std::filesystem::exists(
+            TsSequence::isPattern(path) ? candidate.parent_path() / "." : candidate, ec);
+    };
     const std::filesystem::path beside =
         _options.inputDir.empty() ? p : std::filesystem::path(_options.inputDir) / p;
-    std::error_code ec;
-    if (!std::filesystem::exists(beside, ec) && !_options.outputDir.empty()) {
+    if (!found(beside) && !_options.outputDir.empty()) {
         // A file the session wrote itself.
         const std::filesystem::path written = std::filesystem::path(_options.outputDir) / p;
-        if (std::filesystem::exists(written, ec)) {
+        if (found(written)) {
             return written.string();
         }
     }

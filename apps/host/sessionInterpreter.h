@@ -4,6 +4,8 @@
 #include "sessionScript.h"
 #include "viewerDriver.h"
 
+#include <tesseraCore/io/tsSequenceClip.h>
+
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
@@ -43,6 +45,9 @@ public:
         std::ostream* out = nullptr; // where print and echo write; standard output when null
         // Called after each line: lines done, lines in all.
         std::function<void(std::size_t, std::size_t)> progress;
+        // What sequences opened by `plate` and `background` do with a frame
+        // that has no file, unless the line says.
+        TsMissingFrames missing = TsMissingFrames::Refuse;
     };
 
     explicit SessionInterpreter(HostSession& session);
@@ -73,6 +78,8 @@ public:
     std::string outputPath(const std::string& path) const;
     void setInputDir(const std::string& dir) { _options.inputDir = dir; }
     void setOutputDir(const std::string& dir) { _options.outputDir = dir; }
+
+    TsMissingFrames getMissingFrames() const { return _options.missing; }
 
     // How many expectations held so far.
     int getExpectCount() const { return _expects; }

@@ -68,7 +68,8 @@ bool SessionScript::split(const std::string& line, Line& out, std::string& error
             out.quoted.push_back(true);
             continue;
         }
-        while (i < line.size() && !isBlank(line[i]) && line[i] != '#' && line[i] != '"') {
+        // A # inside a word is part of it: frame patterns (name.####.exr).
+        while (i < line.size() && !isBlank(line[i]) && line[i] != '"') {
             word += line[i++];
         }
         out.words.push_back(word);

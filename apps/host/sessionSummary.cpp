@@ -10,12 +10,17 @@
 
 namespace {
 
-std::string imageText(const std::string& name, const PiImagePtr& image) {
-    if (!image) {
+std::string imageText(const std::string& name, const PiClipPtr& clip) {
+    if (!clip) {
         return "none";
     }
-    return name + " (" + std::to_string(image->getWidth()) + " x " +
-           std::to_string(image->getHeight()) + ")";
+    const PiFrameRange range = clip->getFrameRange();
+    return name + " (" + std::to_string(clip->getClipWidth()) + " x " +
+           std::to_string(clip->getClipHeight()) +
+           (range.unbounded
+                ? ""
+                : ", frames " + std::to_string(range.first) + "-" + std::to_string(range.last)) +
+           ")";
 }
 
 } // namespace

@@ -10,6 +10,8 @@
 #include "session/sessionRun.h"
 
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/io/tsSequenceClip.h>
 
 #include <algorithm>
 #include <cmath>
@@ -24,6 +26,7 @@ namespace {
 
 void usage(std::ostream& os) {
     os << "usage: tessera-run [SESSION] [--out DIR] [--quiet] [--max-plate-pixels N]\n"
+          "                  [--frames FIRST-LAST] [--resume] [--missing refuse|hold|black]\n"
           "       tessera-run --render SETUP --plate FILE|demo [--background FILE|demo]\n"
           "                   [--frame N] [--out DIR] [--max-plate-pixels N]\n"
           "                   --write KIND FILE [--write KIND FILE ...]\n"
@@ -39,6 +42,13 @@ void usage(std::ostream& os) {
           "  --quiet          no progress on standard error\n"
           "  --max-plate-pixels N\n"
           "                   read plates of up to N pixels (default 67108864, 8192 x 8192)\n"
+          "  --frames F-L     after the session, render its frame-pattern writes (write\n"
+          "                   matte out/matte.####.exr) for frames F to L; without it they\n"
+          "                   are rendered for the plate's whole range\n"
+          "  --resume         skip frames whose every output is already complete\n"
+          "  --missing M      what a plate sequence does with a frame that has no file:\n"
+          "                   refuse (the default: it does not open), hold the frame\n"
+          "                   before, or black\n"
           "  --render SETUP   render a keyer setup with no window system: the plate (and\n"
           "                   background) keyed by the setup's selected keyer node at the\n"
           "                   frame (default 0); KIND is source, matte, status, foreground\n"
@@ -50,7 +60,8 @@ void usage(std::ostream& os) {
           "\n"
           "Exit status: 0 when every line ran and every expectation held, 1 when a line\n"
           "failed (the script's file and line are named) or an output could not be\n"
-          "written, 2 for a bad command line or a script that cannot be read.\n";
+          "written, 2 for a bad command line or a script that cannot be read, 130 when\n"
+          "Ctrl+C stopped a render (the frames written stay; --resume goes on from them).\n";
 }
 
 int badUsage(const std::string& what) {
@@ -173,11 +184,37 @@ int main(int argc, char** argv) {
             if (!TsPlateIO::setMaxPixels(argv[++i], error)) {
                 return badUsage(error);
             }
+
+        } else if (a == "--frames" && i + 1 < argc) {
+            args.frames = argv[++i];
+            PiFrameRange range;
+            if (!TsSequence::parseRange(args.frames, range)) {
+                return badUsage("bad frame range \"" + std::string(args.frames) +
+                                "\" (expected FIRST-LAST, as in 1001-1100)");
+            }
+        } else if (a == "--resume") {
+            args.resume = true;
+        } else if (a == "--missing" && i + 1 < argc) {
+            args.missing = argv[++i];
+            TsMissingFrames missing;
+            if (!TsSequenceClip::parseMissing(args.missing, missing)) {
+                return badUsage("--missing takes refuse, hold or black, not \"" +
+                                std::string(args.missing) + "\"");
+            }
         } else if (!a.empty() && (a[0] != '-' || a == "-") && *args.session == '\0') {
             args.session = argv[i];
         } else {
             return badUsage("unexpected argument \"" + a + "\"");
         }
     }
+    // The command line, with --resume, for a render to be resumed.
+    std::string command;
+    for (int i = 0; i < argc; ++i) {
+        const std::string a = argv[i];
+        if (a != "--resume") {
+            command += (i ? " " : "") + a;
+        }
+    }
+    args.command = command.c_str();
     return runSession(args);
 }

@@ -67,7 +67,8 @@ TEST_F(KeyerImageScene, TheViewerShowsTheModeAndRendersOnlyWhenAnInputChanged) {
         EXPECT_TRUE(s == 0.0f || s == 0.5f || s == 1.0f) << s;
     }
     ok("view source");
-    EXPECT_EQ(viewer().getImage()->getPixel(10, 10).g, session->getPlate()->getPixel(10, 10).g);
+    EXPECT_EQ(viewer().getImage()->getPixel(10, 10).g,
+              session->getPlate()->getImageAt(0)->getPixel(10, 10).g);
     EXPECT_EQ(run("view alpha"), "test.tss:1: unknown view mode \"alpha\" (expected source, "
                                  "matte, status, foreground or composite)");
 }
@@ -118,7 +119,7 @@ TEST_F(KeyerImageScene, OutputsAreWrittenAndReadBack) {
     // The source written as EXR reads back as the plate it was.
     ok("plate out/source.exr\nexpect plate == out/source.exr 640x360");
     ok("expect pixel source 100 200 == " + [&] {
-        const CoRgbaColorTyped<float> c = session->getPlate()->getPixel(100, 200);
+        const CoRgbaColorTyped<float> c = session->getPlate()->getImageAt(0)->getPixel(100, 200);
         std::ostringstream s;
         s << SessionArgs::format(c.r) << " " << SessionArgs::format(c.g) << " "
           << SessionArgs::format(c.b) << " 1";

@@ -12,11 +12,17 @@
 #include "host/sessionInterpreter.h"
 #include "host/sessionScript.h"
 #include "host/widgetCommands.h"
+#include "shotProgress.h"
+
+#include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/io/tsSequenceClip.h>
 
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <atomic>
 #include <chrono>
+#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -56,6 +62,49 @@ private:
     bool _shown = false;
 };
 
+std::atomic<bool> interrupted{false};
+
+// Renders the session's frame-pattern writes; answers the exit status: 0, 1
+// for a failure, 130 when Ctrl+C stopped it.
+int renderShot(const OutputWriter& writer, const SessionRunArgs& args, const std::string& command) {
+    TsShotRender::Options options;
+    options.resume = args.resume;
+    if (*args.frames && !TsSequence::parseRange(args.frames, options.frames)) {
+        std::cerr << "tessera-run: bad frame range \"" << args.frames << "\"\n";
+        return 2;
+    }
+    ShotProgress progress(std::cerr, ::isatty(STDERR_FILENO) != 0);
+    TsShotRender::Progress last;
+    options.progress = [&](const TsShotRender::Progress& p) {
+        last = p;
+        if (!args.quiet) {
+            progress(p);
+        }
+    };
+    // Ctrl+C ends the render after the frames in flight.
+    interrupted = false;
+    options.stop = &interrupted;
+    auto* previous = std::signal(SIGINT, [](int) { interrupted = true; });
+    const TsShotRender::Result result = writer.renderShot(options);
+    std::signal(SIGINT, previous);
+    if (!args.quiet || !result.ok) {
+        progress.finish(last);
+    }
+    if (result.interrupted || !result.error.empty()) {
+        if (!result.error.empty()) {
+            std::cerr << "tessera-run: " << result.error << "\n";
+        }
+        if (!result.unfinished.empty()) {
+            std::cerr << "tessera-run: " << (result.interrupted ? "interrupted" : "stopped")
+                      << " with frames " << result.unfinished.front() << " to "
+                      << result.unfinished.back() << " not all written; resume with:\n  " << command
+                      << " --resume\n";
+        }
+        return result.interrupted ? 130 : 1;
+    }
+    return 0;
+}
+
 // Runs the session; answers the exit status.
 int replay(const SessionRunArgs& args) {
     const std::string file(args.session);
@@ -77,6 +126,9 @@ int replay(const SessionRunArgs& args) {
     options.inputDir =
         file.empty() ? std::string() : std::filesystem::path(file).parent_path().string();
     options.outputDir = args.outGiven ? out : (file.empty() ? "out" : "");
+    if (*args.missing) {
+        TsSequenceClip::parseMissing(args.missing, options.missing);
+    }
     if (!args.quiet) {
         options.progress = [&progress](std::size_t done, std::size_t total) {
             progress(done, total);
@@ -95,6 +147,13 @@ int replay(const SessionRunArgs& args) {
             progress.finish(script.getLines().size());
         } catch (const SessionError& e) {
             std::cerr << "tessera-run: " << e.what() << "\n";
+            status = 1;
+        }
+        if (status == 0 && !writer.getShotOutputs().empty()) {
+            status = renderShot(writer, args, args.command);
+        } else if (status == 0 && *args.frames) {
+            std::cerr << "tessera-run: --frames renders the session's frame-pattern writes, and "
+                         "it has none (write KIND NAME.####.exr)\n";
             status = 1;
         }
         if (status == 0 && file.empty()) {

@@ -8,6 +8,10 @@ struct SessionRunArgs {
     const char* out = "";
     bool outGiven = false;
     bool quiet = false;
+    const char* frames = "";  // FIRST-LAST, or empty: the plate's range
+    bool resume = false;      // skip frames that are already complete
+    const char* missing = ""; // refuse, hold or black; empty: refuse
+    const char* command = ""; // the command line, for the resume hint
 };
 
 // Answers the program's exit status.

@@ -6,9 +6,9 @@
 #include <base/cbEmptyType.h>
 #include <base/cbMethod.h>
 #include <base/rcShdPtr.h>
+#include <pluginAPI/piClip.h>
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piGraph.h>
-#include <pluginAPI/piImage.h>
 
 #include <array>
 #include <string>
@@ -51,12 +51,12 @@ public:
     // group has none. What is shown and rendered.
     RCShdPtr<TsKeyerNode> getActiveNode() const;
 
-    // --- the plate and the background (null for none)
-    void setPlate(const PiImagePtr& plate, const std::string& name);
-    void setBackground(const PiImagePtr& background, const std::string& name);
-    const PiImagePtr& getPlate() const { return _plate; }
+    // --- the plate and the background (null for none): stills or sequences
+    void setPlate(const PiClipPtr& plate, const std::string& name);
+    void setBackground(const PiClipPtr& background, const std::string& name);
+    const PiClipPtr& getPlate() const { return _plate; }
     const std::string& getPlateName() const { return _plateName; }
-    const PiImagePtr& getBackground() const { return _background; }
+    const PiClipPtr& getBackground() const { return _background; }
     const std::string& getBackgroundName() const { return _backgroundName; }
 
     // --- files and their colour spaces
@@ -103,8 +103,8 @@ private:
 
     RCShdPtr<PiGraph> _graph;
     RCShdPtr<TsKeyerGroup> _group;
-    PiImagePtr _plate;
-    PiImagePtr _background;
+    PiClipPtr _plate;
+    PiClipPtr _background;
     std::string _plateName;
     std::string _backgroundName;
     std::array<File, 2> _files;

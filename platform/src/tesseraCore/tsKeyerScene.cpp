@@ -18,7 +18,7 @@ namespace {
 const char* const GroupName = "Tessera";
 
 // An image input set as the host wires it: no undo step.
-void wire(const RCShdPtr<PiInput>& input, const PiImagePtr& image) {
+void wire(const RCShdPtr<PiInput>& input, const PiClipPtr& image) {
     if (!input) {
         return;
     }
@@ -81,14 +81,14 @@ RCShdPtr<TsKeyerNode> TsKeyerScene::getActiveNode() const {
     return keyer ? keyer : _group->getKeyerNode(0);
 }
 
-void TsKeyerScene::setPlate(const PiImagePtr& plate, const std::string& name) {
+void TsKeyerScene::setPlate(const PiClipPtr& plate, const std::string& name) {
     _plate = plate;
     _plateName = name;
     _files[0] = File();
     wirePlates();
 }
 
-void TsKeyerScene::setBackground(const PiImagePtr& background, const std::string& name) {
+void TsKeyerScene::setBackground(const PiClipPtr& background, const std::string& name) {
     _background = background;
     _backgroundName = name;
     _files[1] = File();

@@ -50,6 +50,11 @@ public:
                            const std::string& colourSpace = {}, std::string* used = nullptr);
     static bool write(const PiImage& image, const std::string& path, std::string& error,
                       const std::string& colourSpace = {});
+    // The size of the plate a file holds (its display window), from its header
+    // alone, and (`used`, when given) the colour space its pixels would be
+    // converted from; false and a message as read's when it cannot be read.
+    static bool probe(const std::string& path, int& width, int& height, std::string& error,
+                      const std::string& colourSpace = {}, std::string* used = nullptr);
 
     // The same, reporting a failure through ExReporter (source "plate
     // reader" or "image writer", the message as above).

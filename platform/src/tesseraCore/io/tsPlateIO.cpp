@@ -405,6 +405,29 @@ bool TsPlateIO::setMaxPixels(const std::string& text, std::string& error) {
     return true;
 }
 
+bool TsPlateIO::probe(const std::string& path, int& width, int& height, std::string& error) {
+    error.clear();
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec)) {
+        error = readFailure(path, std::filesystem::exists(path, ec) ? "not a regular file"
+                                                                    : "no such file");
+        return false;
+    }
+    std::unique_ptr<OIIO::ImageInput> in = OIIO::ImageInput::open(path);
+    if (!in) {
+        error = readFailure(path, cleaned(OIIO::geterror(), "unknown or unreadable format"));
+        return false;
+    }
+    width = in->spec().full_width;
+    height = in->spec().full_height;
+    in->close();
+    if (width <= 0 || height <= 0) {
+        error = readFailure(path, "empty image");
+        return false;
+    }
+    return true;
+}
+
 PiImagePtr TsPlateIO::readReported(const std::string& path) {
     std::string error;
     PiImagePtr plate = read(path, error);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <tesseraCore/io/tsClip.h>
+#include <tesseraCore/io/tsSequence.h>
+
+#include <base/rcShdPtr.h>
+
+#include <string>
+
+// What a sequence does with a frame of its range that has no file:
+//   Refuse  the sequence does not open (the default: a gap is usually a
+//           render that has not finished, and keying over it loses work);
+//   Hold    the nearest earlier frame is shown (the next one before the
+//           first frame of a gap at the start);
+//   Black   a transparent black frame of the sequence's size.
+enum class TsMissingFrames { Refuse, Hold, Black };
+
+// A plate that is an image sequence (TsSequence): each frame read from its
+// file through TsPlateIO. Opening checks the whole range: every frame that has
+// a file has the size of the first (the files' headers are read), and missing
+// frames are refused unless the policy fills them.
+class TsSequenceClip : public TsClip {
+public:
+    // Null, with `error` naming the frame and the file, for a sequence that
+    // cannot be opened.
+    static RCShdPtr<TsSequenceClip> open(const std::string& pattern, const std::string& range,
+                                         TsMissingFrames missing, std::string& error);
+
+    // "refuse", "hold", "black".
+    static bool parseMissing(const std::string& word, TsMissingFrames& missing);
+
+    const TsSequence& getSequence() const { return _sequence; }
+
+private:
+    TsSequenceClip(const TsSequence& sequence, int width, int height, Maker make);
+
+    TsSequence _sequence;
+};
