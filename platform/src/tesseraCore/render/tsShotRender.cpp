@@ -30,7 +30,8 @@ PiImagePtr frameOf(const RCShdPtr<PiInput>& input, int frame, std::string& error
 // One frame through the pipeline (trivial, as the pipeline's tokens must be).
 struct Work {
     int frame;
-    bool skip;
+    bool skip; // already complete (resume)
+    bool done; // every output written
 };
 
 } // namespace
@@ -95,9 +96,9 @@ TsShotRender::Result TsShotRender::run(const TsKeyerNode& node, const std::vecto
                 if (next > range.last || stopping || failed) {
                     result.interrupted = stopping && next <= range.last;
                     control.stop();
-                    return Work{0, true};
+                    return Work{0, true, false};
                 }
-                Work work{next++, false};
+                Work work{next++, false, false};
                 if (options.resume) {
                     work.skip = true;
                     for (const Output& out : outputs) {
@@ -136,15 +137,13 @@ TsShotRender::Result TsShotRender::run(const TsKeyerNode& node, const std::vecto
                             return work;
                         }
                     }
+                    work.done = true;
                     return work;
                 }) &
             oneapi::tbb::make_filter<Work, void>(
                 oneapi::tbb::filter_mode::serial_out_of_order, [&](Work work) {
-                    {
-                        const std::lock_guard lock(failureMutex);
-                        if (failed && !work.skip) {
-                            return; // the failed frame, or one that may be incomplete
-                        }
+                    if (!work.skip && !work.done) {
+                        return; // failed, or not started after a failure
                     }
                     unfinished.erase(work.frame);
                     ++(work.skip ? progress.skipped : progress.done);
