@@ -5,6 +5,7 @@
 #include "sessionInterpreter.h"
 
 #include <base/exReporter.h>
+#include <pluginAPI/piCommandStack.h>
 
 void InputCommands::add(SessionInterpreter& interpreter) {
     SessionInterpreter& in = interpreter;
@@ -45,6 +46,41 @@ void InputCommands::add(SessionInterpreter& interpreter) {
     };
     in.addCommand("lock", lock(true));
     in.addCommand("unlock", lock(false));
+    // The keys of an input, as a field's key actions edit them.
+    auto keyAction = [&probe, &s](const char* name, auto action) {
+        return [&probe, &s, name, action](SessionArgs& a) {
+            const RCShdPtr<PiInput> input = probe.inputArg(a);
+            bool done = false;
+            exContain(std::string("session: ") + name, [&] {
+                PiUndoGuard step(s.getCommandStack(), name);
+                done = action(*input, s.getFrame(), a);
+            });
+            if (!done) {
+                throw SessionArgs::Error(
+                    "input \"" + input->getName() + "\" has " +
+                    (input->hasKeys() ? "no key at frame " + SessionArgs::format(s.getFrame())
+                                      : std::string("no keys")) +
+                    (input->isLocked() ? " (or is locked)" : ""));
+            }
+        };
+    };
+    in.addCommand("unkey",
+                  keyAction("Delete Key", [](PiInput& input, double frame, SessionArgs& a) {
+                      a.end();
+                      return input.removeKey(frame);
+                  }));
+    in.addCommand("unanimate",
+                  keyAction("Delete Animation", [](PiInput& input, double frame, SessionArgs& a) {
+                      a.end();
+                      return input.hasKeys() && input.setConstant(input.getValue(frame));
+                  }));
+    in.addCommand("interpolate",
+                  keyAction("Interpolate Keys", [](PiInput& input, double, SessionArgs& a) {
+                      const std::string how = a.choice("interpolation", {"linear", "smooth"});
+                      a.end();
+                      return input.setInterpolation(how == "linear" ? PiInterpolation::Linear
+                                                                    : PiInterpolation::Smooth);
+                  }));
 
     probe.addQuery("input", [&probe](SessionArgs& args) {
         const RCShdPtr<PiInput> input = probe.inputArg(args);
@@ -52,8 +88,13 @@ void InputCommands::add(SessionInterpreter& interpreter) {
     });
     probe.addQuery("keys", [&probe](SessionArgs& args) {
         std::vector<std::string> times;
-        for (const PiAnimKey& key : probe.inputArg(args)->getKeys()) {
-            times.push_back(SessionArgs::format(key.time));
+        const RCShdPtr<PiInput> input = probe.inputArg(args);
+        const bool interpolations = args.take("interpolation");
+        for (const PiAnimKey& key : input->getKeys()) {
+            times.push_back(interpolations ? (key.interpolation == PiInterpolation::Linear
+                                                  ? std::string("linear")
+                                                  : std::string("smooth"))
+                                           : SessionArgs::format(key.time));
         }
         return SessionProbe::list(times);
     });

@@ -205,8 +205,8 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
     HostSession& s = interpreter.getSession();
     interpreter.addCommand("widget", [&s](SessionArgs& a) {
         const Target t = target(s, a);
-        const std::string action =
-            a.choice("widget action", {"toggle", "press", "select", "set", "drag", "resize"});
+        const std::string action = a.choice(
+            "widget action", {"toggle", "press", "select", "set", "key", "drag", "resize"});
         if (!t.widget->isEnabled()) {
             throw SessionArgs::Error(t.label() + " is disabled");
         }
@@ -266,6 +266,29 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
             const double value = a.number("value");
             keys = keysOf(a);
             act = [field, value, &keys] { field->enter(value, keys); };
+        } else if (action == "key") {
+            // The field's key actions, as its key button and context menu
+            // give them.
+            auto* field = dynamic_cast<UiValueEditor*>(w);
+            UiFieldKeys* keysOfField = field ? field->getKeys() : nullptr;
+            if (!keysOfField) {
+                throw t.wrongKind("take keys (it edits no animatable input)");
+            }
+            const std::string what =
+                a.choice("key action", {"set", "delete", "animation", "linear", "smooth"});
+            keys = keysOf(a);
+            act = [keysOfField, what] {
+                if (what == "set") {
+                    keysOfField->setKey();
+                } else if (what == "delete") {
+                    keysOfField->deleteKey();
+                } else if (what == "animation") {
+                    keysOfField->deleteAnimation();
+                } else {
+                    keysOfField->setInterpolation(what == "linear" ? PiInterpolation::Linear
+                                                                   : PiInterpolation::Smooth);
+                }
+            };
         } else if (action == "drag") {
             auto* ball = dynamic_cast<UiTrackball*>(w);
             if (!ball) {

@@ -1,5 +1,6 @@
 #include "studioWindow.h"
 
+#include "shotControls.h"
 #include "studioColourBar.h"
 
 #include "host/hostSession.h"
@@ -84,6 +85,9 @@ StudioWindow::StudioWindow(QWidget* parent)
 
     _session = std::make_unique<HostSession>(centre, 960, 540, nullptr);
     layout->addWidget(&_session->getViewer());
+    _shot = new ShotControls(
+        *_session, [this](const std::string& line) { return perform(line); }, centre);
+    layout->addWidget(_shot);
     scroll->setWidget(&_session->getMainPanel());
     // Wide enough for the panel's fields without scrolling sideways.
     scroll->setMinimumWidth(380);
@@ -464,6 +468,7 @@ void StudioWindow::refresh() {
     refreshNodes();
     refreshStage();
     _colour->refresh();
+    _shot->refresh();
 }
 
 void StudioWindow::historyChanged() {

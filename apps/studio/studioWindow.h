@@ -18,6 +18,7 @@ class QSpinBox;
 class QTimer;
 class SessionInterpreter;
 class SessionRecorder;
+class ShotControls;
 class StudioColourBar;
 class UiMainWindow;
 
@@ -42,6 +43,7 @@ public:
     SessionRecorder& getRecorder() const { return *_recorder; }
     QListWidget& getHistory() const { return *_history; }
     QListWidget& getNodes() const { return *_nodes; }
+    ShotControls& getShotControls() const { return *_shot; }
 
     // Carries out a line as the studio's own actions do: written to the
     // recording when it succeeded; a failure is shown in the status line
@@ -103,6 +105,7 @@ private:
     QActionGroup* _stages = nullptr;
     QComboBox* _mode = nullptr;
     QSpinBox* _frame = nullptr;
+    ShotControls* _shot = nullptr;
     QLabel* _reports = nullptr;
     StudioColourBar* _colour = nullptr;
     int _listener = 0;

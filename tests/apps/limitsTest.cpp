@@ -130,7 +130,7 @@ TEST_F(Limits, ACommandThatRunsOutOfMemoryFailsAloneAndTheSessionGoesOn) {
     GTEST_SKIP() << "the sanitizers reserve more address space than any limit leaves";
 #else
     ok("plate demo 64 64\nset overall 0.25\nset overall 0.5\nundo\n");
-    const PiImagePtr plate = session->getPlate();
+    const PiClipPtr plate = session->getPlate();
     std::ifstream statm("/proc/self/statm");
     std::size_t pages = 0;
     statm >> pages;

@@ -16,8 +16,9 @@ std::vector<std::string> words(const std::string& line) {
 TEST(SessionScript, WordsQuotesEscapesAndComments) {
     EXPECT_EQ(words("hotkey \"Sample Patch 1\"  # the first patch"),
               (std::vector<std::string>{"hotkey", "Sample Patch 1"}));
-    EXPECT_EQ(words("echo \"a # inside\" b#c"),
-              (std::vector<std::string>{"echo", "a # inside", "b"}));
+    // A # inside a word is part of it (frame patterns: shot.####.exr).
+    EXPECT_EQ(words("echo \"a # inside\" b#c #d"),
+              (std::vector<std::string>{"echo", "a # inside", "b#c"}));
     EXPECT_EQ(words("rename keyer1 \"say \\\"hi\\\" \\\\ back\""),
               (std::vector<std::string>{"rename", "keyer1", "say \"hi\" \\ back"}));
     EXPECT_EQ(words("set patchNames \"\" x"),

@@ -3,7 +3,10 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiFieldKeys.h>
 #include <ui/uiWidgetAdapter.h>
+
+#include <QPointer>
 
 #include <memory>
 
@@ -37,6 +40,9 @@ public:
     RCShdPtr<PiInput> getInput() const;
     void bindInput(const RCShdPtr<PiInput>& input, const RCShdPtr<const PiTimePath>& timePath,
                    bool undoable);
+    // The key actions of a bound animatable input (owned by the field's
+    // window-system widget); null otherwise.
+    UiFieldKeys* getKeys() const;
 
 private:
     class Imp;
@@ -49,4 +55,5 @@ private:
 
     std::unique_ptr<Imp> _imp;
     std::unique_ptr<UiInputBinding> _binding;
+    QPointer<UiFieldKeys> _keys;
 };

@@ -100,6 +100,11 @@ public:
     // --- time
     TmTimeClient& getTime() { return _time; }
     void setFrame(double frame);
+    // While frames run through the viewer (a scrub, playback), it shows the
+    // node's views at viewer resolution, as during a drag; the full
+    // resolution comes back when it is set off.
+    void setInteractive(bool interactive);
+    bool isInteractive() const { return _interactive; }
 
     // --- view
     VwView& getMutableView() { return _view; }
@@ -179,6 +184,7 @@ private:
     std::unique_ptr<PiViewRenderer> _renderer;
     std::string _viewMode;
     const PiDisplayTransform* _display = nullptr;
+    bool _interactive = false;
     WsRecordingPainter _displayList;
     GePoint2<float> _pointer;
     bool _panning = false;

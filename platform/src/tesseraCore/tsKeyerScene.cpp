@@ -8,10 +8,10 @@
 #include <tesseraCore/tsSetup.h>
 
 #include <base/exReporter.h>
+#include <base/fsInputFile.h>
+#include <base/znLimits.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -210,11 +210,13 @@ bool TsKeyerScene::loadSetup(const std::string& path, std::string& error) {
 }
 
 bool TsKeyerScene::openSetup(const std::string& path, std::string& error) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    const int generation = TsSetup::getGeneration(text.str());
-    makeKeyer(generation == 2 ? 2 : 1, 1);
+    std::string text;
+    std::string reason;
+    if (!FsInputFile::read(path, ZnLimits::SetupBytes, "a setup", text, reason)) {
+        error = path + ": cannot read the setup: " + reason;
+        return false;
+    }
+    makeKeyer(TsSetup::getGeneration(text) == 2 ? 2 : 1, 1);
     if (!loadSetup(path, error)) {
         return false;
     }

@@ -1,4 +1,5 @@
 #include "uiInputBinding.h"
+#include <ui/uiFieldKeys.h>
 
 #include <ui/uiValueEditor.h>
 #include <ui/uiWidgetEvent.h>
@@ -129,6 +130,8 @@ RCShdPtr<PiInput> UiValueEditor::getInput() const {
 void UiValueEditor::bindInput(const RCShdPtr<PiInput>& input,
                               const RCShdPtr<const PiTimePath>& timePath, bool undoable) {
     _binding.reset();
+    delete _keys;
+    _keys = nullptr;
     if (!input) {
         return;
     }
@@ -150,7 +153,14 @@ void UiValueEditor::bindInput(const RCShdPtr<PiInput>& input,
                         static_cast<int>(std::floor(range->second)));
         }
     }
+    if (input->isAnimatable() && s) {
+        _keys = new UiFieldKeys(s, input, timePath);
+    }
     showInput();
+}
+
+UiFieldKeys* UiValueEditor::getKeys() const {
+    return _keys;
 }
 
 void UiValueEditor::showInput() {

@@ -207,8 +207,8 @@ PiImagePtr UiViewer::getImage() const {
     if (!_renderer) {
         return getPlate();
     }
-    bool manipulating = false;
-    if (const RCShdPtr<PiEventHandler> handler = _handler) {
+    bool manipulating = _interactive;
+    if (const RCShdPtr<PiEventHandler> handler = _handler; handler && !manipulating) {
         exContain("viewer " + getName() + ": the handler's state",
                   [&] { manipulating = handler->isManipulating(); });
     }
@@ -243,6 +243,13 @@ GeRectangle<float> UiViewer::getImageExtent() const {
     }
     return GeRectangle<float>(0.0f, static_cast<float>(image->getWidth()), 0.0f,
                               static_cast<float>(image->getHeight()));
+}
+
+void UiViewer::setInteractive(bool interactive) {
+    if (interactive != _interactive) {
+        _interactive = interactive;
+        redraw();
+    }
 }
 
 void UiViewer::setFrame(double frame) {
