@@ -102,7 +102,7 @@ void BM_ShotRender(benchmark::State& state) {
     const BenchShot& shot = uhdShot();
     TsKeyerScene scene;
     std::string error;
-    scene.setPlate(TsSequenceClip::open(shot.pattern(), "", TsMissingFrames::Refuse, error),
+    scene.setPlate(TsSequenceClip::open(shot.pattern(), {"", TsMissingFrames::Refuse}, "", error),
                    "shot");
     const RCShdPtr<TsKeyerNode> node = scene.getActiveNode();
     BenchShot::keyEveryStage(*node);
@@ -139,7 +139,7 @@ void BM_ScrubStep(benchmark::State& state) {
     TsKeyerScene scene;
     std::string error;
     const RCShdPtr<TsSequenceClip> clip =
-        TsSequenceClip::open(shot.pattern(), "", TsMissingFrames::Refuse, error);
+        TsSequenceClip::open(shot.pattern(), {"", TsMissingFrames::Refuse}, "", error);
     scene.setPlate(clip, "shot");
     const RCShdPtr<TsKeyerNode> node = scene.getActiveNode();
     BenchShot::keyEveryStage(*node);
@@ -175,7 +175,7 @@ void BM_RenderMemory(benchmark::State& state) {
     static const BenchShot shot("memory", 1000, 512, 288);
     TsKeyerScene scene;
     std::string error;
-    scene.setPlate(TsSequenceClip::open(shot.pattern(), "", TsMissingFrames::Refuse, error),
+    scene.setPlate(TsSequenceClip::open(shot.pattern(), {"", TsMissingFrames::Refuse}, "", error),
                    "memory");
     const RCShdPtr<TsKeyerNode> node = scene.getActiveNode();
     BenchShot::keyEveryStage(*node);

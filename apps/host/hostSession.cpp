@@ -337,14 +337,19 @@ void HostSession::setBackground(const PiClipPtr& background, const std::string& 
 // --- files and colour
 
 bool HostSession::readSource(TsKeyerScene::Source source, const std::string& path,
-                             const std::string& name, const std::string* space,
-                             std::string& error) {
-    if (!_scene->readSource(source, path, name, error, space)) {
+                             const std::string& name, const std::string* space, std::string& error,
+                             const TsSequenceOptions& sequence) {
+    if (!_scene->readSource(source, path, name, error, space, sequence)) {
         return false;
     }
     settle();
     if (source == TsKeyerScene::Source::Plate) {
         _demo.reset();
+        // A sequence brings the frame into its range.
+        const PiFrameRange range = getPlate()->getFrameRange();
+        if (!range.contains(PiClip::frameOf(getFrame()))) {
+            setFrame(range.first);
+        }
         _viewer->fitImage();
     }
     _viewer->redraw();

@@ -123,7 +123,8 @@ public:
     // and `error` when the file or the space cannot be used, and nothing
     // changes.
     bool readSource(TsKeyerScene::Source source, const std::string& path, const std::string& name,
-                    const std::string* space, std::string& error);
+                    const std::string* space, std::string& error,
+                    const TsSequenceOptions& sequence = {});
     bool setColourSpace(TsKeyerScene::Source source, const std::string& space, std::string& error);
     // Makes the colour configuration at `path` the one in use and reads the
     // plate and background files again; false and `error` when it cannot be

@@ -28,7 +28,8 @@ std::optional<std::string> colourSpace(SessionArgs& a) {
 }
 
 // `plate` and `background` with a file: FILE [colorspace NAME], or
-// colorspace NAME alone for the file there is.
+// colorspace NAME alone for the file there is. A frame pattern reads a
+// sequence: FILE [FIRST-LAST] [missing refuse|hold|black] [colorspace NAME].
 void readSource(SessionInterpreter& in, SessionArgs& a, TsKeyerScene::Source source,
                 const std::string& what) {
     HostSession& s = in.getSession();
@@ -42,9 +43,23 @@ void readSource(SessionInterpreter& in, SessionArgs& a, TsKeyerScene::Source sou
         return;
     }
     const std::string file = a.word(what);
-    const std::optional<std::string> space = colourSpace(a);
-    a.end();
-    if (!s.readSource(source, in.inputPath(file), file, space ? &*space : nullptr, error)) {
+    std::optional<std::string> space;
+    TsSequenceOptions sequence;
+    sequence.missing = in.getMissingFrames();
+    while (!a.atEnd()) {
+        if (a.peek() == "colorspace" && !a.peekQuoted()) {
+            space = colourSpace(a);
+        } else if (TsSequence::isPattern(file) && a.take("missing")) {
+            TsSequenceClip::parseMissing(a.choice("missing frames", {"refuse", "hold", "black"}),
+                                         sequence.missing);
+        } else if (TsSequence::isPattern(file) && sequence.range.empty()) {
+            sequence.range = a.word("frame range");
+        } else {
+            a.end();
+        }
+    }
+    if (!s.readSource(source, in.inputPath(file), file, space ? &*space : nullptr, error,
+                      sequence)) {
         throw SessionArgs::Error(error);
     }
 }

@@ -46,7 +46,7 @@ protected:
 TEST_F(ColourSession, AnAcesCgPlateKeysLikeTheSamePictureInLinearRec709) {
     ok("plate demo 320 180");
     const CoRgbColorTyped<float> screen = session->getDemo()->pickScreenColour();
-    const PiImage& plate = *session->getPlate();
+    const PiImage& plate = *session->getPlate()->getImageAt(0);
     std::string error;
     ASSERT_TRUE(TsPlateIO::write(plate, path("linear.exr"), error)) << error;
     const Matrix toAcesCg = inverse(acesCgToRec709());

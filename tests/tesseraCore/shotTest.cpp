@@ -69,7 +69,7 @@ protected:
     std::string pattern(const char* name = "p.%04d.exr") const { return dir + "/" + name; }
     RCShdPtr<TsSequenceClip> open(const std::string& range, TsMissingFrames missing,
                                   std::string& error) const {
-        return TsSequenceClip::open(pattern(), range, missing, error);
+        return TsSequenceClip::open(pattern(), {range, missing}, "", error);
     }
     static float grey(const PiClip& clip, double time) {
         const PiImagePtr image = clip.getImageAt(time);
@@ -124,7 +124,8 @@ TEST_F(SequenceScene, FramesOfAnotherSizeAndPatternsMatchingNothingAreRefused) {
     EXPECT_NE(error.find("frame 2"), std::string::npos) << error;
     EXPECT_NE(error.find("16x4"), std::string::npos) << error;
     EXPECT_NE(error.find("8x4"), std::string::npos) << error;
-    EXPECT_FALSE(TsSequenceClip::open(pattern("q.####.exr"), "", TsMissingFrames::Hold, error));
+    EXPECT_FALSE(
+        TsSequenceClip::open(pattern("q.####.exr"), {"", TsMissingFrames::Hold}, "", error));
     EXPECT_NE(error.find("no file matches"), std::string::npos) << error;
 }
 

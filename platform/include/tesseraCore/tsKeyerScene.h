@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/io/tsSequenceClip.h>
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsKeyerNode.h>
 
@@ -65,8 +66,11 @@ public:
     // automatic), which then becomes the group's choice; and sets it under
     // `name`. False and `error` when the file cannot be read or the space is
     // not in the configuration, and nothing changes.
+    // A file that is a frame pattern (name.####.exr) is read as a sequence,
+    // opened as `sequence` says (TsSequenceClip).
     bool readSource(Source source, const std::string& path, const std::string& name,
-                    std::string& error, const std::string* space = nullptr);
+                    std::string& error, const std::string* space = nullptr,
+                    const TsSequenceOptions& sequence = {});
     // The colour space chosen for the source: a name, "" for automatic.
     std::string getColourSpace(Source source) const;
     // Sets the choice (an undo step, "Plate Colour Space" or "Background
@@ -92,6 +96,7 @@ private:
         std::string path;      // "" for an image that came from no file
         std::string requested; // the choice it was read with
         std::string used;      // the space it was converted from
+        TsSequenceOptions sequence;
     };
 
     void wirePlates();

@@ -103,15 +103,21 @@ const RCShdPtr<PiInput>& TsKeyerScene::spaceInput(Source source) const {
 }
 
 bool TsKeyerScene::readSource(Source source, const std::string& path, const std::string& name,
-                              std::string& error, const std::string* space) {
-    File file{path, getColourSpace(source), ""};
+                              std::string& error, const std::string* space,
+                              const TsSequenceOptions& sequence) {
+    File file{path, getColourSpace(source), "", sequence};
     if (space && !space->empty() && !TsColour::resolve(*space, file.requested, error)) {
         return false;
     }
     if (space && space->empty()) {
         file.requested.clear();
     }
-    const PiImagePtr image = TsPlateIO::read(path, error, file.requested, &file.used);
+    PiClipPtr image;
+    if (TsSequence::isPattern(path)) {
+        image = TsSequenceClip::open(path, sequence, file.requested, error, &file.used);
+    } else {
+        image = TsPlateIO::read(path, error, file.requested, &file.used);
+    }
     if (!image) {
         return false;
     }
@@ -156,7 +162,7 @@ bool TsKeyerScene::reread(Source source) {
     }
     std::string error;
     if (!readSource(source, file.path, source == Source::Plate ? _plateName : _backgroundName,
-                    error)) {
+                    error, nullptr, file.sequence)) {
         ExReporter::getInstance().report("scene", error);
         return false;
     }

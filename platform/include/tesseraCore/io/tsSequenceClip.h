@@ -15,16 +15,29 @@
 //   Black   a transparent black frame of the sequence's size.
 enum class TsMissingFrames { Refuse, Hold, Black };
 
+// How a sequence is opened: its range ("" to find it on disk, or
+// "FIRST-LAST") and what it does with the frames of the range that have no
+// file.
+struct TsSequenceOptions {
+    std::string range;
+    TsMissingFrames missing = TsMissingFrames::Refuse;
+};
+
 // A plate that is an image sequence (TsSequence): each frame read from its
-// file through TsPlateIO. Opening checks the whole range: every frame that has
-// a file has the size of the first (the files' headers are read), and missing
-// frames are refused unless the policy fills them.
+// file through TsPlateIO, into the working space from the colour space given
+// ("" for each file's own: the configuration's file rules, else its header).
+// Opening checks the whole range: every frame that has a file has the size of
+// the first (the files' headers are read), and missing frames are refused
+// unless the policy fills them.
 class TsSequenceClip : public TsClip {
 public:
     // Null, with `error` naming the frame and the file, for a sequence that
-    // cannot be opened.
-    static RCShdPtr<TsSequenceClip> open(const std::string& pattern, const std::string& range,
-                                         TsMissingFrames missing, std::string& error);
+    // cannot be opened. `used`, when given, receives the colour space of the
+    // first frame's file.
+    static RCShdPtr<TsSequenceClip> open(const std::string& pattern,
+                                         const TsSequenceOptions& options,
+                                         const std::string& colourSpace, std::string& error,
+                                         std::string* used = nullptr);
 
     // "refuse", "hold", "black".
     static bool parseMissing(const std::string& word, TsMissingFrames& missing);

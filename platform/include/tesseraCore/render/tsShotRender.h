@@ -25,9 +25,10 @@ class TsKeyerNode;
 class TsShotRender {
 public:
     struct Output {
-        std::string kind;    // for messages: matte, comp, ...
-        TsViewMode mode;     // what is written
-        std::string pattern; // the files, as a sequence pattern (name.####.exr)
+        std::string kind;             // for messages: matte, comp, ...
+        TsViewMode mode;              // what is written
+        std::string pattern;          // the files, as a sequence pattern (name.####.exr)
+        std::string colourSpace = {}; // written in ("": the file kind's default)
     };
     struct Progress {
         int done = 0;    // frames written so far (this run)

@@ -405,12 +405,16 @@ bool TsPlateIO::setMaxPixels(const std::string& text, std::string& error) {
     return true;
 }
 
-bool TsPlateIO::probe(const std::string& path, int& width, int& height, std::string& error) {
+bool TsPlateIO::probe(const std::string& path, int& width, int& height, std::string& error,
+                      const std::string& colourSpace, std::string* used) {
     error.clear();
-    std::error_code ec;
-    if (!std::filesystem::is_regular_file(path, ec)) {
-        error = readFailure(path, std::filesystem::exists(path, ec) ? "not a regular file"
-                                                                    : "no such file");
+    std::string reason;
+    if (!FsInputFile::check(path, maxBytes(), "a plate file", reason)) {
+        error = readFailure(path, reason);
+        return false;
+    }
+    std::string source;
+    if (!colourSpace.empty() && !TsColour::resolve(colourSpace, source, error)) {
         return false;
     }
     std::unique_ptr<OIIO::ImageInput> in = OIIO::ImageInput::open(path);
@@ -418,12 +422,25 @@ bool TsPlateIO::probe(const std::string& path, int& width, int& height, std::str
         error = readFailure(path, cleaned(OIIO::geterror(), "unknown or unreadable format"));
         return false;
     }
-    width = in->spec().full_width;
-    height = in->spec().full_height;
+    const OIIO::ImageSpec spec = in->spec();
     in->close();
+    width = spec.full_width;
+    height = spec.full_height;
     if (width <= 0 || height <= 0) {
         error = readFailure(path, "empty image");
         return false;
+    }
+    if (const std::string tooLarge = checkSize(spec); !tooLarge.empty()) {
+        error = readFailure(path, tooLarge);
+        return false;
+    }
+    if (used) {
+        *used = !source.empty()
+                    ? source
+                    : TsColour::getFileSpace(
+                          path,
+                          spec.get_string_attribute(ColourSpaceAttribute,
+                                                    spec.get_string_attribute("oiio:ColorSpace")));
     }
     return true;
 }

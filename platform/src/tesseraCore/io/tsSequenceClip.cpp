@@ -27,10 +27,13 @@ TsSequenceClip::TsSequenceClip(const TsSequence& sequence, int width, int height
     : TsClip(sequence.getPattern(), sequence.getRange(), width, height, std::move(make))
     , _sequence(sequence) {}
 
-RCShdPtr<TsSequenceClip> TsSequenceClip::open(const std::string& pattern, const std::string& range,
-                                              TsMissingFrames missing, std::string& error) {
+RCShdPtr<TsSequenceClip> TsSequenceClip::open(const std::string& pattern,
+                                              const TsSequenceOptions& options,
+                                              const std::string& colourSpace, std::string& error,
+                                              std::string* used) {
+    const TsMissingFrames missing = options.missing;
     TsSequence sequence;
-    if (!TsSequence::open(pattern, range, sequence, error)) {
+    if (!TsSequence::open(pattern, options.range, sequence, error)) {
         return {};
     }
     const PiFrameRange frames = sequence.getRange();
@@ -52,7 +55,8 @@ RCShdPtr<TsSequenceClip> TsSequenceClip::open(const std::string& pattern, const 
         }
         int w = 0;
         int h = 0;
-        if (!TsPlateIO::probe(sequence.pathOf(f), w, h, error)) {
+        if (!TsPlateIO::probe(sequence.pathOf(f), w, h, error, colourSpace,
+                              first < 0 ? used : nullptr)) {
             error = "frame " + std::to_string(f) + ": " + error;
             return {};
         }
@@ -69,7 +73,8 @@ RCShdPtr<TsSequenceClip> TsSequenceClip::open(const std::string& pattern, const 
         }
     }
     // The maker holds what it needs by value: it may outlive the clip.
-    Maker make = [sequence, missing, width, height](int frame, std::string& why) -> PiImagePtr {
+    Maker make = [sequence, missing, width, height, colourSpace](int frame,
+                                                                 std::string& why) -> PiImagePtr {
         int f = frame;
         if (sequence.isMissing(f)) {
             if (missing == TsMissingFrames::Black) {
@@ -83,7 +88,7 @@ RCShdPtr<TsSequenceClip> TsSequenceClip::open(const std::string& pattern, const 
             }
         }
         const std::string path = sequence.pathOf(f);
-        PiImagePtr image = TsPlateIO::read(path, why);
+        PiImagePtr image = TsPlateIO::read(path, why, colourSpace);
         if (image && (image->getWidth() != width || image->getHeight() != height)) {
             why = "frame " + std::to_string(f) + " (" + path + ") is " +
                   sizeText(image->getWidth(), image->getHeight()) + ", not " +

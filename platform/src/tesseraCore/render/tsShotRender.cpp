@@ -132,7 +132,7 @@ TsShotRender::Result TsShotRender::run(const TsKeyerNode& node, const std::vecto
                     for (const Output& out : outputs) {
                         TsKeyerPass::run(*image, background.get(), settings, out.mode, keyed);
                         const std::string path = framePath(out.pattern, work.frame);
-                        if (!TsPlateIO::write(keyed, path, error)) {
+                        if (!TsPlateIO::write(keyed, path, error, out.colourSpace)) {
                             fail("frame " + std::to_string(work.frame) + ": " + error);
                             return work;
                         }
