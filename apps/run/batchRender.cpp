@@ -2,6 +2,8 @@
 
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/render/tsShotRender.h>
 #include <tesseraCore/render/tsViewRender.h>
 #include <tesseraCore/tsKeyerScene.h>
 
@@ -75,10 +77,15 @@ int BatchRender::run(const Options& options, std::ostream& out, std::ostream& er
         err << "tessera-run: " << options.setup << ": the setup holds no keyer node\n";
         return 1;
     }
+    std::vector<TsShotRender::Output> shot;
     for (const auto& [kind, file] : options.outputs) {
         TsViewMode mode = TsViewMode::Composite;
         if (kind != "comp") {
             TsViewRender::parseView(kind, mode);
+        }
+        if (TsSequence::isPattern(file)) {
+            shot.push_back({kind, mode, outputPath(options.outputDir, file)});
+            continue;
         }
         const PiImagePtr image = TsViewRender::render(*node, options.frame, mode);
         const std::string path = outputPath(options.outputDir, file);
@@ -87,6 +94,27 @@ int BatchRender::run(const Options& options, std::ostream& out, std::ostream& er
             return 1;
         }
         out << kind << ": " << path << "\n";
+    }
+    if (shot.empty()) {
+        return 0;
+    }
+    TsShotRender::Options render;
+    render.resume = options.resume;
+    const PiFrameRange plate = scene.getPlate()->getFrameRange();
+    const int frame = PiClip::frameOf(options.frame);
+    render.frames = plate.unbounded ? PiFrameRange{frame, frame, false} : plate;
+    if (!options.frames.empty() && !TsSequence::parseRange(options.frames, render.frames)) {
+        err << "tessera-run: bad frame range \"" << options.frames << "\"\n";
+        return 2;
+    }
+    const TsShotRender::Result result = TsShotRender::run(*node, shot, render);
+    if (!result.ok) {
+        err << "tessera-run: " << result.error << "\n";
+        return 1;
+    }
+    for (const TsShotRender::Output& o : shot) {
+        out << o.kind << ": " << o.pattern << " (" << result.written << " frames written, "
+            << result.skipped << " already complete)\n";
     }
     return 0;
 }

@@ -52,7 +52,9 @@ void usage(std::ostream& os) {
           "  --render SETUP   render a keyer setup with no window system: the plate (and\n"
           "                   background) keyed by the setup's selected keyer node at the\n"
           "                   frame (default 0); KIND is source, matte, status, foreground\n"
-          "                   or comp, FILE an .exr or .png\n"
+          "                   or comp, FILE an .exr or .png; a FILE that is a frame\n"
+          "                   pattern (out/matte.####.exr) is written for every frame of\n"
+          "                   --frames (the plate's range by default)\n"
           "  --list-packages  load the keyer's user-interface module, start every package\n"
           "                   and list them: name, state, dependencies, build information;\n"
           "                   then what the module registered, after start-up and after\n"
@@ -120,6 +122,10 @@ int render(int argc, char** argv) {
             if (text.empty() || *end != '\0' || !std::isfinite(options.frame)) {
                 throw "bad frame \"" + text + "\"";
             }
+        } else if (a == "--frames") {
+            options.frames = value("a frame range");
+        } else if (a == "--resume") {
+            options.resume = true;
         } else if (a == "--write") {
             const std::string kind = value("an output kind");
             const auto& kinds = BatchRender::getKinds();

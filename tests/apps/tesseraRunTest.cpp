@@ -195,6 +195,14 @@ TEST_F(TesseraRunScene, ASetupRendersWithNoWindowSystem) {
     const Result same = run("idiff -a " + d + "matte.png " + d + "r/matte.png");
     EXPECT_EQ(same.status, 0) << same.out;
 
+    // Frame patterns are written for each frame of the range.
+    const Result shot = run("env -u QT_QPA_PLATFORM -u DISPLAY " + runner + " --render " + d +
+                            "key.tessera --plate " + d + "plate.exr --out " + d +
+                            "r --frames 7-9 --write matte m.####.png");
+    ASSERT_EQ(shot.status, 0) << shot.out;
+    for (const char* frame : {"0007", "0008", "0009"}) {
+        EXPECT_EQ(run("idiff -a " + d + "matte.png " + d + "r/m." + frame + ".png").status, 0);
+    }
     const Result missing = run(runner + " --render " + d + "key.tessera --plate " + d +
                                "none.exr --write matte " + d + "x.png");
     EXPECT_EQ(missing.status, 1);
