@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/geRectangle.h>
 #include <gfx/mfManipulator.h>
 
 #include <string>

@@ -1,4 +1,5 @@
 #include "tsAddSampleTool.h"
+#include "tsAssertionTexts.h"
 
 #include <base/assertions.h>
 #include <gfx/mfEventPredicates.h>
@@ -18,7 +19,7 @@ List<CoRgbaColorTyped<float>> cubeCorners;
 TsAddSampleTool::TsAddSampleTool(PiImgPick& imgPick)
     : MfImgPickTool(imgPick) {
     if (!(size() == 2)) {
-        Assertions::throwAssertionFailed("tools\\tessera\\src\\tsAddSampleTool", 70, "size() == 2");
+        TsAssertionTexts::AddSampleManipulators.fail();
     }
     const auto shift = static_cast<EvKeyCode::KeyCode>(142);
     for (auto it = begin(); it != end(); ++it) {

@@ -1,4 +1,5 @@
 #include "tsMgSampleMatteTool.h"
+#include "tsBarDrag.h"
 #include "tsEventPredicates.h"
 
 #include <base/assertions.h>
@@ -55,8 +56,6 @@ constexpr float BarSpacing = 30.0f;
 const float levelThresholds[5] = {0.04f, 0.06f, 0.12f, 0.25f, 0.5f};
 // Beyond this depth below the core (-d1), a hue excursion counts as deep.
 const float deepHueDepth = 0.85f;
-
-const char* const sourcePath = "tools\\tessera\\src\\tsMgSampleMatteTool";
 
 PrdPredicate<EvEvent> never() {
     return !PrdPredicate<EvEvent>::all();
@@ -248,7 +247,7 @@ void TsMgSampleMatteToolImp::sample(const PiEventContext& context) {
     _imgPick.setPickRectangle(rect);
     List<CoRgbaColorTyped<float>> colors;
     if (!_imgPick.pickColors(rect, colors)) {
-        Assertions::throwAssertionFailed(sourcePath, 563, "_imgPick.pickColors( rect, colors )");
+        TsAssertionTexts::SampleMattePick.fail();
     }
 
     const CoRgbColorTyped<float> keyColor = _values->getBlendedKeyColor();
@@ -301,31 +300,21 @@ void TsMgSampleMatteToolImp::sample(const PiEventContext& context) {
 }
 
 void TsMgSampleMatteToolImp::initiateManipulation(const PiEventContext&) {
-    bool found = false;
-    for (auto p = TsMgTypes::Overall; p < BarCount; p = TsMgTypes::next(p)) {
-        if (_manip->getManipulator(p)->isManipulating()) {
-            _manipP = p;
-            found = true;
-            break;
-        }
-    }
-    if (!found) {
-        Assertions::throwAssertionFailed(sourcePath, 625, "found");
-    }
+    _manipP = TsBarDrag::grasped(
+        BarCount,
+        [this](int i) { return _manip->getManipulator(static_cast<TsMgTypes::MatteParam>(i)); },
+        TsAssertionTexts::SampleMatteGrasped);
     _values->getDispatcher().removeHandler(&_matteParamCb);
 }
 
 void TsMgSampleMatteToolImp::monitorManipulation(const PiEventContext&) {
     const auto p = static_cast<TsMgTypes::MatteParam>(_manipP);
-    if (!_manip->getManipulator(p)->isManipulating()) {
-        // The drag ends here without a release (the host abandons it): the
-        // bars follow the parameters again.
-        _values->getDispatcher().addHandler(&_matteParamCb);
-        Assertions::throwAssertionFailed(sourcePath, 635,
-                                         "_manip->getManipulator( _manipP )->isManipulating()");
-    }
-    const float value = _manip->getManipulator(p)->getValue() * inverseScale + inverseOffset;
-    _values->setValue(p, value);
+    const float bar = TsBarDrag::dragged(
+        *_manip->getManipulator(p),
+        // The bars follow the parameters again.
+        [this] { _values->getDispatcher().addHandler(&_matteParamCb); },
+        TsAssertionTexts::SampleMatteDragged);
+    _values->setValue(p, bar * inverseScale + inverseOffset);
     _viewer.redraw();
 }
 

@@ -1,4 +1,5 @@
 #include "tsSpillBlendMfTool.h"
+#include "tsBarDrag.h"
 #include "tsEventPredicates.h"
 
 #include <base/assertions.h>
@@ -24,8 +25,6 @@ namespace {
 PrdPredicate<EvEvent> repositionPredicate;
 PrdPredicate<EvEvent> showPredicate;
 PrdPredicate<EvEvent> dismissPredicate;
-
-const char* const sourcePath = "tools/tessera/src/tsSpillBlendMfTool";
 
 // Every bar's rectangle in its own frame: x min, x max, y min, y max.
 const float barRect[4] = {-200.0f, 200.0f, -10.0f, 10.0f};
@@ -206,34 +205,22 @@ void TsSpillBlendMfToolImp::placeAtPointer(const PiEventContext& context) {
 }
 
 void TsSpillBlendMfToolImp::initiateManipulation(const PiEventContext&) {
-    bool found = false;
-    for (int i = 0; i < static_cast<int>(_maps.size()); ++i) {
-        if (_manip->getManipulator(i)->isManipulating()) {
-            _manipP = i;
-            found = true;
-            break;
-        }
-    }
-    if (!found) {
-        Assertions::throwAssertionFailed(sourcePath, 416, "found");
-    }
+    _manipP = TsBarDrag::grasped(
+        static_cast<int>(_maps.size()), [this](int i) { return _manip->getManipulator(i); },
+        TsAssertionTexts::SpillBlendGrasped);
     _inputValues[static_cast<std::size_t>(_manipP)]->removeValueChangedCb(
         &_valueCbs[static_cast<std::size_t>(_manipP)]);
 }
 
 void TsSpillBlendMfToolImp::monitorManipulation(const PiEventContext&) {
-    if (!_manip->getManipulator(_manipP)->isManipulating()) {
-        // The drag ends here without a release (the host abandons it): the
-        // bar follows its input again.
-        _inputValues[static_cast<std::size_t>(_manipP)]->addValueChangedCb(
-            &_valueCbs[static_cast<std::size_t>(_manipP)]);
-        Assertions::throwAssertionFailed(sourcePath, 428,
-                                         "_manip->getManipulator( _manipP )->isManipulating()");
-    }
-    const ValueMap& map = _maps[static_cast<std::size_t>(_manipP)];
-    const float value =
-        _manip->getManipulator(_manipP)->getValue() * map.inverseScale + map.inverseOffset;
-    _inputValues[static_cast<std::size_t>(_manipP)]->setValue(static_cast<double>(value));
+    const auto i = static_cast<std::size_t>(_manipP);
+    const float bar = TsBarDrag::dragged(
+        *_manip->getManipulator(_manipP),
+        // The bar follows its input again.
+        [this, i] { _inputValues[i]->addValueChangedCb(&_valueCbs[i]); },
+        TsAssertionTexts::SpillBlendDragged);
+    const ValueMap& map = _maps[i];
+    _inputValues[i]->setValue(static_cast<double>(bar * map.inverseScale + map.inverseOffset));
     _viewer.redraw();
 }
 
