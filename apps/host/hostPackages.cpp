@@ -53,7 +53,7 @@ void HostPackages::printRegistrations(std::ostream& os, const char* when) {
         {"spill-and-blend handler", TsSpillBlendInterface::getEhFactory() != nullptr},
         {"spill-and-blend panel", TsSpillBlendInterface::getUiFactory() != nullptr},
         {"main panel", TsInterface::getInstanceDataFactory() != nullptr},
-        {"main panel (second generation)", TsInterface3::getInstanceDataFactory() != nullptr},
+        {"main panel (generation 2)", TsInterface3::getInstanceDataFactory() != nullptr},
     };
     os << "registrations " << when << ":\n  keyer factories:";
     bool any = false;

@@ -343,7 +343,7 @@ void StudioWindow::buildMenus() {
 
     QMenu* keyer = menuBar()->addMenu("&Keyer");
     keyer->addAction("New Keyer", this, [this] { perform("keyer variant 1 nodes 3"); });
-    keyer->addAction("New Keyer (Second Generation)", this,
+    keyer->addAction("New Keyer (Generation 2)", this,
                      [this] { perform("keyer variant 2 nodes 3"); });
     keyer->addSeparator();
     keyer->addAction("Rename Node...", this, [this] {

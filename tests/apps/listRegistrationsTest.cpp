@@ -27,10 +27,10 @@ TEST(TesseraRunRegistrations, StartUpRegistersEverythingAndShutDownWithdrawsTheS
         "registrations after start-up:\n"
         "  keyer factories: matte-generation handler, matte-generation panel, degrain handler, "
         "degrain panel, spill-and-blend handler, spill-and-blend panel, main panel, main panel "
-        "(second generation)\n" +
+        "(generation 2)\n" +
         messages;
     const std::string stopped = "registrations after shut-down:\n"
-                                "  keyer factories: main panel, main panel (second generation)\n" +
+                                "  keyer factories: main panel, main panel (generation 2)\n" +
                                 messages;
     const auto atStart = out.find(started);
     const auto atStop = out.find(stopped);

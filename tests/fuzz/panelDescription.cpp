@@ -24,7 +24,7 @@
 
 namespace {
 
-const std::array<std::string, 6> Descriptions = {"tsMainPanel.ui",       "tsMainPanel3.ui",
+const std::array<std::string, 6> Descriptions = {"tsMainPanel.ui",       "tsMainPanelGeneration2.ui",
                                                  "tsMatteGenPanel.ui",   "tsDegrainPanel.ui",
                                                  "tsSpillBlendPanel.ui", "tsOtherPanel.ui"};
 

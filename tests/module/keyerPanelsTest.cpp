@@ -54,7 +54,7 @@ TEST_P(KeyerPanels, APatchAndAKeyColourMadeFromThePanelsAndUndone) {
     EXPECT_GT(image.width(), 300);
     EXPECT_GT(image.height(), 500);
     EXPECT_TRUE(image.save(QString::fromStdString(
-        screenshotPath(GetParam() == 1 ? "keyerPanels.png" : "keyerPanels3.png"))));
+        screenshotPath(GetParam() == 1 ? "keyerPanels.png" : "keyerPanelsGeneration2.png"))));
 
     history().undo();
     history().undo();

@@ -112,7 +112,7 @@ TEST_F(ModuleStartup, RunsTheFourteenSourcesInTheirOrder) {
                            "tsAddSampleTool", "tsMgSampleMatteTool", "tsMgSamplePatchTool",
                            "tsMgEventHandler", "tsMgUi", "tsDgSampleTool", "tsDgEventHandler",
                            "tsDgUi", "tsSpillBlendMfTool", "tsSpillBlendEventHandler",
-                           "tsSpillBlendUi", "tsImgPickKeyColorsTool", "tsUiImp", "tsUiImp3"}));
+                           "tsSpillBlendUi", "tsImgPickKeyColorsTool", "tsUiImp", "tsUiImpGeneration2"}));
 }
 
 TEST_F(ModuleStartup, RegisteredItsSixSubscriptionsInStartUpOrder) {
@@ -136,7 +136,7 @@ TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesThe
     ASSERT_EQ(held().size(), registrations().size());
     const auto mgEh = TsMgInterface::getEhFactory();
     const auto mainPanel = TsInterface::getInstanceDataFactory();
-    const auto mainPanel3 = TsInterface3::getInstanceDataFactory();
+    const auto mainPanelGeneration2 = TsInterface3::getInstanceDataFactory();
 
     EXPECT_EQ(shutDown(), (Changes{{"tsSpillBlendUi", "spill panel"},
                                    {"tsSpillBlendEventHandler", "spill handler"},
@@ -146,7 +146,7 @@ TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesThe
                                    {"tsMgEventHandler", "matte handler"}}));
     EXPECT_EQ(held(), (std::vector<std::string>{"main panel", "main panel 3"}));
     EXPECT_EQ(TsInterface::getInstanceDataFactory(), mainPanel);
-    EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanel3);
+    EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanelGeneration2);
 
     // The package's own hooks, as the host runs them: shut down and started
     // again (the instance-data factories cleared first, to see them come
@@ -158,7 +158,7 @@ TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesThe
     EXPECT_EQ(held().size(), registrations().size());
     EXPECT_EQ(TsMgInterface::getEhFactory(), mgEh);
     EXPECT_EQ(TsInterface::getInstanceDataFactory(), mainPanel);
-    EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanel3);
+    EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanelGeneration2);
     EXPECT_EQ(MsgServer::getInstance().openCatalogueCount(), catalogues);
     EXPECT_EQ(InBuildInfoUtil::listFor("tesseraUiZnmodule").size(), 1u);
 }

@@ -229,7 +229,7 @@ TEST_P(MainPanel, WithNoNodeOfTheGroupSelectedItShowsTheKeyersSelectedNode) {
     EXPECT_EQ(shownName(), "keyer1");
     EXPECT_EQ(slotOn(), 0);
 
-    // A boundary node is a node of the second generation's panel only.
+    // A boundary node is a node of generation 2's panel only.
     select(stranger);
     SnSelection::getCurrent()->clear();
     group->setSelectedNode(group->getInputNode());

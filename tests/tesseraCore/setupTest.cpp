@@ -302,7 +302,7 @@ TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
 
 // Setups of the first version load: a node's patch inputs beyond its names
 // (left by a reset) were no patches and do not come back, its keys are
-// linear, and a second generation group's slots, six inputs of their own
+// linear, and a generation 2 group's slots, six inputs of their own
 // then, go into its selected-nodes value.
 TEST_F(SetupScene, FirstVersionSetupsLoad) {
     writeFile("node.setup", "tessera-setup 1\nnode \"keyer1\"\npatches 3\n"

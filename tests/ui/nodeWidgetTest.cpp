@@ -247,7 +247,7 @@ TEST_F(NodeWidgets, AHostPanelShowsTheMainPanelOfEachGenerationOrReportsItHasNon
     const RCShdPtr<TsKeyerGroup> second = TsKeyerGroup::create("second", 2, 1);
     graph->getRoot()->addNode(second);
     EXPECT_TRUE(panel->setNode(second, timePathOf(second)));
-    EXPECT_EQ(panel->getNodeWidget().getContent().description, "tsMainPanel3.ui");
+    EXPECT_EQ(panel->getNodeWidget().getContent().description, "tsMainPanelGeneration2.ui");
 }
 
 } // namespace

@@ -58,7 +58,7 @@ using PanelDescriptions = PanelScene;
 // generations, and the sample menu's entries, which must be the tool names in
 // the controller's order for the menu to follow the current tool.
 TEST_F(PanelDescriptions, BothMainPanelsHoldTheSlotsTheAreasAndTheToolMenu) {
-    for (const char* file : {"tsMainPanel.ui", "tsMainPanel3.ui"}) {
+    for (const char* file : {"tsMainPanel.ui", "tsMainPanelGeneration2.ui"}) {
         SCOPED_TRACE(file);
         const Description d(file);
         ASSERT_TRUE(d.container);
@@ -238,7 +238,7 @@ TEST_F(PanelPictures, TheMainPanelLaysOutItsSlotsToolMenuAndStagePanels) {
         EXPECT_GT(image.width(), 200);
         EXPECT_GT(image.height(), 300);
         EXPECT_TRUE(image.save(QString::fromStdString(
-            screenshotPath(generation == 1 ? "mainPanel.png" : "mainPanel3.png"))));
+            screenshotPath(generation == 1 ? "mainPanel.png" : "mainPanelGeneration2.png"))));
     }
 }
 

@@ -2,12 +2,19 @@
 
 #include <tesseraCore/tsGroupInterface.h>
 
-// The keyer group of the second generation. Beside what every keyer group
-// offers, its panel follows the selected-nodes value (the group's input
-// named TsTool3::getSelectedNodesName()) through ValueChanged events.
+// The keyer group of generation 2. Beside what every keyer group offers, its
+// panel follows the selected-nodes value (the group's input named
+// TsTool3::getSelectedNodesName()) through ValueChanged events.
+//
+// Generation 2 has one name in the code: "generation 2" (TsKeyerGroup's
+// generation, setups' "group ... generation 2", scripts' "keyer variant 2",
+// the module's TsUiImpGeneration2, the panel description
+// tsMainPanelGeneration2.ui). The two names the module resolves are fixed by
+// its contract and keep their numeral: TsInterface3 (this interface) and
+// TsTool3 (its names).
 class TsInterface3 : public TsGroupInterface {
 public:
-    // As TsInterface's, for the second generation.
+    // As TsInterface's, for generation 2.
     static void setInstanceDataFactory(InstanceDataFactory factory);
     static InstanceDataFactory getInstanceDataFactory();
     // The factory, or null with a report.

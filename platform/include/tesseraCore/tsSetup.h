@@ -27,13 +27,13 @@
 // or false, an rgb: three numbers, a list: its length and its items),
 // INTERPOLATION linear or smooth (the stretch after the key;
 // PiInterpolation). Numbers are written in the shortest form that reads back
-// to the same value. A second-generation group keeps its slots in its
+// to the same value. A generation 2 group keeps its slots in its
 // selected-nodes value:
 //
 //   input "selectedNodes" nodes 7 "keyer1" "keyer1" "keyer2" - - - -
 //
 // Older setups load too. Version 1 and 2 keys carry no interpolation: they
-// were linear. In version 1, a second-generation group's slot inputs
+// were linear. In version 1, a generation 2 group's slot inputs
 // ("slot1" .. "slot6") go into that value, and a node's patch inputs beyond
 // its patch names (which a reset used to leave) are not loaded.
 //

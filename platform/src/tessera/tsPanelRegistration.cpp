@@ -28,7 +28,7 @@ Controller mainPanel(const RCShdPtr<PiNode>& node, const RCShdPtr<PiWidget>& wid
     return TsInterface::createInstanceData(widget, rcCast<PiGroupNode>(node), timePath);
 }
 
-Controller mainPanel3(const RCShdPtr<PiNode>& node, const RCShdPtr<PiWidget>& widget,
+Controller mainPanelGeneration2(const RCShdPtr<PiNode>& node, const RCShdPtr<PiWidget>& widget,
                       const RCShdPtr<const PiTimePath>& timePath) {
     return TsInterface3::createInstanceData(widget, rcCast<PiGroupNode>(node), timePath);
 }
@@ -52,8 +52,8 @@ struct Registration {
     Registration() {
         UiNodeWidgetFactory::registerPanel("tsMain", "tsMainPanel.ui", &hasInterface<TsInterface>,
                                            &mainPanel);
-        UiNodeWidgetFactory::registerPanel("tsMain3", "tsMainPanel3.ui",
-                                           &hasInterface<TsInterface3>, &mainPanel3);
+        UiNodeWidgetFactory::registerPanel("tsMainGeneration2", "tsMainPanelGeneration2.ui",
+                                           &hasInterface<TsInterface3>, &mainPanelGeneration2);
         UiNodeWidgetFactory::registerStage("tsMatteGen", "tsMatteGenPanel.ui",
                                            &hasInterface<TsMgInterface>, &matteGenPanel);
         UiNodeWidgetFactory::registerStage("tsDegrain", "tsDegrainPanel.ui",
@@ -65,7 +65,7 @@ struct Registration {
     }
     ~Registration() {
         for (const char* name :
-             {"tsOtherUi", "tsSpillBlend", "tsDegrain", "tsMatteGen", "tsMain3", "tsMain"}) {
+             {"tsOtherUi", "tsSpillBlend", "tsDegrain", "tsMatteGen", "tsMainGeneration2", "tsMain"}) {
             UiNodeWidgetFactory::unregister(name);
         }
     }

@@ -504,7 +504,7 @@ Setup parse(const std::string& text) {
     return setup;
 }
 
-// Version 1 kept a second-generation group's slots in inputs of their own
+// Version 1 kept a generation 2 group's slots in inputs of their own
 // ("slot1" .. "slot6") beside its selected node; they now go, in that order
 // after the selected node, into its selected-nodes value.
 void upgradeSecondGenerationSlots(Section& group) {

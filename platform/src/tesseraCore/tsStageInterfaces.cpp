@@ -43,8 +43,8 @@ TsFactoryRegistry<typename TsStageFactories<Stage>::UiFactory>& panels() {
     return r;
 }
 
-TsGroupInterface::InstanceDataFactory instanceData1 = nullptr;
-TsGroupInterface::InstanceDataFactory instanceData3 = nullptr;
+TsGroupInterface::InstanceDataFactory instanceDataGeneration1 = nullptr;
+TsGroupInterface::InstanceDataFactory instanceDataGeneration2 = nullptr;
 
 TsGroupInterface::InstanceDataFactory require(TsGroupInterface::InstanceDataFactory f,
                                               const char* which) {
@@ -110,13 +110,13 @@ template class TsStageFactories<TsSpillBlendInterface>;
 // --- The two group generations
 
 TsGroupInterface::InstanceDataFactory TsInterface::requireInstanceDataFactory() {
-    return require(instanceData1, "a keyer group");
+    return require(instanceDataGeneration1, "a keyer group");
 }
 void TsInterface::setInstanceDataFactory(InstanceDataFactory f) {
-    instanceData1 = f;
+    instanceDataGeneration1 = f;
 }
 TsGroupInterface::InstanceDataFactory TsInterface::getInstanceDataFactory() {
-    return instanceData1;
+    return instanceDataGeneration1;
 }
 RCShdPtr<RCBase<LkCounter<int>>>
 TsInterface::createInstanceData(const RCShdPtr<PiWidget>& widget,
@@ -129,13 +129,13 @@ TsInterface::createInstanceData(const RCShdPtr<PiWidget>& widget,
 }
 
 TsGroupInterface::InstanceDataFactory TsInterface3::requireInstanceDataFactory() {
-    return require(instanceData3, "a second-generation keyer group");
+    return require(instanceDataGeneration2, "a generation 2 keyer group");
 }
 void TsInterface3::setInstanceDataFactory(InstanceDataFactory f) {
-    instanceData3 = f;
+    instanceDataGeneration2 = f;
 }
 TsGroupInterface::InstanceDataFactory TsInterface3::getInstanceDataFactory() {
-    return instanceData3;
+    return instanceDataGeneration2;
 }
 RCShdPtr<RCBase<LkCounter<int>>>
 TsInterface3::createInstanceData(const RCShdPtr<PiWidget>& widget,

@@ -12,7 +12,7 @@
 #include "tsSpillBlendMfTool.h"
 #include "tsSpillBlendUi.h"
 #include "tsUiImp.h"
-#include "tsUiImp3.h"
+#include "tsUiImpGeneration2.h"
 
 #include <base/inBuildInfoUtil.h>
 #include <base/inInit.h>
@@ -60,7 +60,7 @@ const TsModuleInitialiser initialisers[] = {
     {"tsSpillBlendUi", tsSpillBlendUiInitialise, tsSpillBlendUiFinalise},
     {"tsImgPickKeyColorsTool", tsImgPickKeyColorsToolInitialise, tsImgPickKeyColorsToolFinalise},
     {"tsUiImp", tsUiImpInitialise, tsUiImpFinalise},
-    {"tsUiImp3", tsUiImp3Initialise, tsUiImp3Finalise},
+    {"tsUiImpGeneration2", tsUiImpGeneration2Initialise, tsUiImpGeneration2Finalise},
     {nullptr, nullptr, nullptr},
 };
 

@@ -13,20 +13,20 @@ std::vector<std::string> toolNames;
 
 } // namespace
 
-const TsUiImpNames& TsUiImpFirst::getNames() {
+const TsUiImpNames& TsUiImpGeneration1::getNames() {
     return names;
 }
 
-std::vector<std::string>& TsUiImpFirst::getToolNames() {
+std::vector<std::string>& TsUiImpGeneration1::getToolNames() {
     return toolNames;
 }
 
-template class TsUiImp<TsUiImpFirst>;
+template class TsUiImp<TsUiImpGeneration1>;
 
 RCShdPtr<RCBase<LkCounter<int>>> tsUiImpFactory(const RCShdPtr<PiWidget>& widget,
                                                 const RCShdPtr<PiGroupNode>& group,
                                                 const RCShdPtr<const PiTimePath>& timePath) {
-    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpFirst>(widget, group, timePath));
+    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpGeneration1>(widget, group, timePath));
 }
 
 void tsUiImpInitialise() {

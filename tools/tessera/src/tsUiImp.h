@@ -49,8 +49,8 @@
 #include <vector>
 
 // The main panel of a keyer group, in the two variants that the two keyer
-// generations get (TsInterface: TsUiImpFirst, here; TsInterface3:
-// TsUiImpSecond, tsUiImp3.h). The panel description holds:
+// generations get (TsInterface: TsUiImpGeneration1, here; TsInterface3:
+// TsUiImpGeneration2, tsUiImpGeneration2.h). The panel description holds:
 //  - "tsOtherUi", "tsSpillBlend", "tsDegrain", "tsMatteGen": node-widget
 //    areas that show the stage panels of the node the panel is about;
 //  - "nodeSelect0" .. "nodeSelect5" (toggles) and "nodeSelectLabel0" ..
@@ -93,7 +93,7 @@ struct TsUiImpNames {
 
 // The first variant: for TsInterface groups, following the keyer's
 // TsNodeSelectChangedEvent. Its names and tool-name list are its own.
-struct TsUiImpFirst {
+struct TsUiImpGeneration1 {
     using Interface = TsInterface;
     static constexpr bool FollowsSelectedNodesValue = false;
     static const TsUiImpNames& getNames();
@@ -190,7 +190,7 @@ private:
     CbMethod<TsUiImp, const PiNodeEvent> _nodeRemovedCb;
     std::array<CbDataMethod<TsUiImp, const PiNodeEvent, int>, SlotCount> _nameChangedCbs;
     int _slotOn = -1;
-    // Second variant: the group's selected-nodes value, and whether the panel
+    // Generation 2: the group's selected-nodes value, and whether the panel
     // is changing the keyer itself (its own changes are not reacted to).
     RCShdPtr<PiInput> _selectedNodes;
     bool _changingKeyer = false;

@@ -1,4 +1,4 @@
-#include "tsUiImp3.h"
+#include "tsUiImpGeneration2.h"
 
 #include <tesseraCore/tsDgTool.h>
 #include <tesseraCore/tsMgTool.h>
@@ -13,24 +13,24 @@ std::vector<std::string> toolNames;
 
 } // namespace
 
-const TsUiImpNames& TsUiImpSecond::getNames() {
+const TsUiImpNames& TsUiImpGeneration2::getNames() {
     return names;
 }
 
-std::vector<std::string>& TsUiImpSecond::getToolNames() {
+std::vector<std::string>& TsUiImpGeneration2::getToolNames() {
     return toolNames;
 }
 
-template class TsUiImp<TsUiImpSecond>;
+template class TsUiImp<TsUiImpGeneration2>;
 
-RCShdPtr<RCBase<LkCounter<int>>> tsUiImp3Factory(const RCShdPtr<PiWidget>& widget,
+RCShdPtr<RCBase<LkCounter<int>>> tsUiImpGeneration2Factory(const RCShdPtr<PiWidget>& widget,
                                                  const RCShdPtr<PiGroupNode>& group,
                                                  const RCShdPtr<const PiTimePath>& timePath) {
-    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpSecond>(widget, group, timePath));
+    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpGeneration2>(widget, group, timePath));
 }
 
-void tsUiImp3Initialise() {
-    TsInterface3::setInstanceDataFactory(&tsUiImp3Factory);
+void tsUiImpGeneration2Initialise() {
+    TsInterface3::setInstanceDataFactory(&tsUiImpGeneration2Factory);
     // The sample menu's entries, in order.
     toolNames.clear();
     toolNames.push_back(TsMgTool::getManipToolName(2));
@@ -41,4 +41,4 @@ void tsUiImp3Initialise() {
 }
 
 // The factory stays registered after shut-down.
-void tsUiImp3Finalise() {}
+void tsUiImpGeneration2Finalise() {}
