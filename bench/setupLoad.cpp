@@ -51,7 +51,8 @@ std::string makeSetup() {
         node->getInput(prefix + ".softness")->setValue(0.0, PiValue(0.5));
     }
     LiString text;
-    TsSetup::write(*keyer.group, text);
+    std::string error;
+    TsSetup::write(*keyer.group, text, error);
     return text;
 }
 
@@ -70,7 +71,7 @@ void BM_SetupLoad(benchmark::State& state) {
         state.ResumeTiming();
         Clock::time_point t0 = Clock::now();
         LiString error;
-        if (!TsSetup::read(*keyer->group, setup, "bench.setup", &error)) {
+        if (!TsSetup::read(*keyer->group, setup, "bench.setup", error)) {
             state.SkipWithError(error.c_str());
             return;
         }
@@ -78,7 +79,7 @@ void BM_SetupLoad(benchmark::State& state) {
         state.PauseTiming();
         t0 = Clock::now();
         LiString again;
-        TsSetup::write(*keyer->group, again);
+        TsSetup::write(*keyer->group, again, error);
         baseline += milliseconds(Clock::now() - t0);
         if (again != setup) {
             state.SkipWithError("the loaded setup does not write back the same text");

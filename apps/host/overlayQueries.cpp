@@ -13,6 +13,7 @@
 #include <gfx/mfRangeManipulator.h>
 #include <gfx/wsCursorRegistry.h>
 #include <pluginAPI/piEventHandler.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <ui/uiApplication.h>
 #include <ui/uiViewer.h>
 
@@ -81,7 +82,7 @@ void listManipulators(const MfManipulator& m, ToolDrawing& drawing, int depth,
     const std::string name = bar ? bar->getName() : dynamicTypeNameOf(m);
     const GePoint2<double> plate =
         ViewerDriver::windowToPlate(drawing.getView(), centreOf(m, drawing.getView()));
-    lines.push_back(std::string(2 * depth, ' ') + SessionScript::quote(name) + " state " +
+    lines.push_back(std::string(2 * depth, ' ') + TsValueText::quoteWord(name) + " state " +
                     std::to_string(m.getState()) + " at " + SessionArgs::format(plate.x) + " " +
                     SessionArgs::format(plate.y) + (drawing.isDrawn(m) ? "" : " (not shown)"));
     for (int i = 0; i < m.getChildCount(); ++i) {
@@ -174,7 +175,7 @@ std::vector<std::string> drawing(UiViewer& viewer) {
             lines.push_back("fill " + plate(item.x0, item.y1) + " to " + plate(item.x1, item.y0));
             break;
         case WsRecordingPainter::Item::Text:
-            lines.push_back("text " + SessionScript::quote(item.text) + " at " +
+            lines.push_back("text " + TsValueText::quoteWord(item.text) + " at " +
                             plate(item.x0, item.y0));
             break;
         }
@@ -208,7 +209,7 @@ void OverlayQueries::add(SessionInterpreter& interpreter) {
                 return SessionArgs::format(handle);
             }
         }
-        throw SessionArgs::Error("no bar " + SessionScript::quote(name) + " is shown");
+        throw SessionArgs::Error("no bar " + TsValueText::quoteWord(name) + " is shown");
     });
     probe.addQuery(
         "draw",

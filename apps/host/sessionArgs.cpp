@@ -1,5 +1,7 @@
 #include "sessionArgs.h"
 
+#include <tesseraCore/setup/tsValueText.h>
+
 #include <base/evKeyboardState.h>
 
 #include <charconv>
@@ -81,15 +83,11 @@ bool SessionArgs::parseNumber(const std::string& text, double& value) {
 }
 
 std::string SessionArgs::format(double value) {
-    char buffer[64];
-    const auto [ptr, ec] = std::to_chars(buffer, buffer + sizeof(buffer), value);
-    return ec == std::errc() ? std::string(buffer, ptr) : std::to_string(value);
+    return TsValueText::number(value);
 }
 
 std::string SessionArgs::format(float value) {
-    char buffer[64];
-    const auto [ptr, ec] = std::to_chars(buffer, buffer + sizeof(buffer), value);
-    return ec == std::errc() ? std::string(buffer, ptr) : std::to_string(value);
+    return TsValueText::number(value);
 }
 
 double SessionArgs::number(const std::string& what) {

@@ -12,6 +12,7 @@
 
 #include <base/exReporter.h>
 #include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/setup/tsValueText.h>
 
 #include <algorithm>
 #include <cmath>
@@ -223,7 +224,7 @@ void SessionInterpreter::expect(SessionArgs& args, const std::vector<std::string
     if (!compare(actual, words[op], expected, tolerance, failure)) {
         std::string whatText;
         for (std::size_t i = 1; i < whatWords.size(); ++i) {
-            whatText += (i > 1 ? " " : "") + SessionScript::quote(whatWords[i]);
+            whatText += (i > 1 ? " " : "") + TsValueText::quoteWord(whatWords[i]);
         }
         throw SessionArgs::Error("expected " + whatText + " " + words[op] + " " + joined(expected) +
                                  ", but it is " + actual +

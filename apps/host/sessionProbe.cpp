@@ -1,5 +1,7 @@
 #include "sessionProbe.h"
 
+#include <tesseraCore/setup/tsValueText.h>
+
 #include "hostSession.h"
 #include "sessionArgs.h"
 #include "sessionScript.h"
@@ -113,7 +115,7 @@ std::string SessionProbe::format(const PiValue& value) const {
     case PiValueType::StringList: {
         std::string out;
         for (const std::string& s : std::get<PiStringList>(value)) {
-            out += (out.empty() ? "" : " ") + SessionScript::quote(s);
+            out += (out.empty() ? "" : " ") + TsValueText::quoteWord(s);
         }
         return out.empty() ? "none" : out;
     }
@@ -136,7 +138,8 @@ std::string SessionProbe::format(const PiValue& value) const {
         std::string out;
         for (const PiNodeRef& ref : std::get<PiNodeRefList>(value)) {
             const RCShdPtr<PiNode> node = _session.getKeyer()->resolve(ref);
-            out += (out.empty() ? "" : " ") + (node ? SessionScript::quote(node->getName()) : "-");
+            out +=
+                (out.empty() ? "" : " ") + (node ? TsValueText::quoteWord(node->getName()) : "-");
         }
         return out.empty() ? "none" : out;
     }

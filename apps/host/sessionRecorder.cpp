@@ -13,6 +13,7 @@
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piWidget.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <ui/uiDualState.h>
 #include <ui/uiHotkeyRegistry.h>
 #include <ui/uiMenu.h>
@@ -274,7 +275,7 @@ void SessionRecorder::key(const QKeyEvent& event) {
         viewLines();
         if (entry) {
             // A hotkey line is a tap: its release is part of it.
-            record("hotkey " + SessionScript::quote(registry.getEntryName(entry)));
+            record("hotkey " + TsValueText::quoteWord(registry.getEntryName(entry)));
             _keyDown = "hotkey " + name;
             return;
         }
@@ -315,7 +316,7 @@ void SessionRecorder::widgetAction(const std::string& panel, EvEvent& event) {
     if (!widget) {
         return;
     }
-    const std::string head = "widget " + panel + " " + SessionScript::quote(widget->getName());
+    const std::string head = "widget " + panel + " " + TsValueText::quoteWord(widget->getName());
     const std::string mods = modifierWords(action->getKeyboardState().getModifierMask());
     PiWidget* w = widget.get();
     switch (action->getKind()) {
@@ -333,7 +334,7 @@ void SessionRecorder::widgetAction(const std::string& panel, EvEvent& event) {
             // By its text, quoted (an unquoted number is an index), unless
             // another entry has the same text.
             const std::string text = menu->getItemText(index);
-            std::string quoted = SessionScript::quote(text);
+            std::string quoted = TsValueText::quoteWord(text);
             if (quoted.empty() || quoted.front() != '"') {
                 quoted = "\"" + quoted + "\"";
             }

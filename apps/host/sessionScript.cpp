@@ -52,7 +52,9 @@ bool SessionScript::split(const std::string& line, Line& out, std::string& error
             while (i < line.size()) {
                 const char c = line[i++];
                 if (c == '\\' && i < line.size()) {
-                    word += line[i++];
+                    // The escapes of TsValueText::quote: \n a newline, \x x.
+                    const char e = line[i++];
+                    word += e == 'n' ? '\n' : e;
                 } else if (c == '"') {
                     closed = true;
                     break;
@@ -77,26 +79,6 @@ bool SessionScript::split(const std::string& line, Line& out, std::string& error
     }
     out.text = withoutTrailingBlanks(line.substr(0, commentAt));
     return true;
-}
-
-std::string SessionScript::quote(const std::string& word) {
-    bool plain = !word.empty();
-    for (char c : word) {
-        if (isBlank(c) || c == '"' || c == '#' || c == '\\' || c == '\n') {
-            plain = false;
-        }
-    }
-    if (plain) {
-        return word;
-    }
-    std::string out = "\"";
-    for (char c : word) {
-        if (c == '"' || c == '\\') {
-            out += '\\';
-        }
-        out += c;
-    }
-    return out + "\"";
 }
 
 SessionScript SessionScript::parse(const std::string& text, const std::string& source) {

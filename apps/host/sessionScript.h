@@ -6,9 +6,9 @@
 
 // A session script read into lines of words: one action a line, words
 // separated by blanks, "double quotes" around a word that holds blanks (a
-// backslash in a quoted word escapes the next character), '#' outside quotes
-// starting a comment. Blank and comment-only lines are dropped; each kept line
-// remembers its number in the file.
+// backslash in a quoted word escapes the next character, \n is a newline),
+// '#' at the start of a word outside quotes starting a comment. Blank and comment-only lines are
+// dropped; each kept line remembers its number in the file.
 class SessionScript {
 public:
     struct Line {
@@ -30,11 +30,8 @@ public:
     const std::vector<Line>& getLines() const { return _lines; }
 
     // Splits one line into words (see above); false and `error` set for an
-    // open quote.
+    // open quote. Words are written back with TsValueText::quoteWord.
     static bool split(const std::string& line, Line& out, std::string& error);
-    // A word as a script writes it: quoted (with escapes) when it holds a
-    // blank, a quote, a '#' or a backslash, or is empty.
-    static std::string quote(const std::string& word);
 
 private:
     std::string _source;

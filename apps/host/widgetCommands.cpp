@@ -6,6 +6,7 @@
 
 #include <base/exReporter.h>
 #include <pluginAPI/piContainer.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <ui/uiContainer.h>
 #include <ui/uiDualState.h>
 #include <ui/uiGrab.h>
@@ -28,17 +29,15 @@
 
 namespace {
 
-std::string quoted(const std::string& s) {
-    return "\"" + s + "\"";
-}
-
 // The widget of a line (PANEL NAME), kept with its names for messages.
 struct Target {
     std::string panel;
     std::string name;
     RCShdPtr<PiWidget> widget;
 
-    std::string label() const { return "widget " + quoted(name) + " of panel " + panel; }
+    std::string label() const {
+        return "widget " + TsValueText::quote(name) + " of panel " + panel;
+    }
     SessionArgs::Error wrongKind(const std::string& action) const {
         return SessionArgs::Error(label() + " is a " + WidgetCommands::kindOf(*widget) +
                                   ": it cannot " + action);
@@ -123,7 +122,7 @@ RCShdPtr<PiWidget> WidgetCommands::find(const HostSession& session, const std::s
     RCShdPtr<PiWidget> widget;
     exContain("session: panel " + panel, [&] { widget = container->findWidget(name); });
     if (!widget) {
-        throw SessionArgs::Error("panel " + panel + " has no widget " + quoted(name));
+        throw SessionArgs::Error("panel " + panel + " has no widget " + TsValueText::quote(name));
     }
     return widget;
 }
@@ -158,12 +157,12 @@ std::string WidgetCommands::describe(const PiWidget& w) {
     if (const auto* toggle = dynamic_cast<const UiDualState*>(&w)) {
         line += toggle->getState() ? " on" : " off";
     } else if (const auto* menu = dynamic_cast<const UiMenu*>(&w)) {
-        line += " " + quoted(menu->getSelectedText()) + " of";
+        line += " " + TsValueText::quote(menu->getSelectedText()) + " of";
         for (int i = 0; i < menu->getItemCount(); ++i) {
-            line += (i ? ", " : " ") + quoted(menu->getItemText(i));
+            line += (i ? ", " : " ") + TsValueText::quote(menu->getItemText(i));
         }
     } else if (const auto* label = dynamic_cast<const UiLabel*>(&w)) {
-        line += " " + quoted(label->getText());
+        line += " " + TsValueText::quote(label->getText());
     } else if (const auto* field = dynamic_cast<const UiValueEditor*>(&w)) {
         line += " " + SessionArgs::format(field->getValue());
     } else if (const auto* ball = dynamic_cast<const UiTrackball*>(&w)) {
@@ -253,7 +252,8 @@ void WidgetCommands::add(SessionInterpreter& interpreter) {
                     }
                 }
                 if (index < 0) {
-                    throw SessionArgs::Error(t.label() + " has no entry " + quoted(entry));
+                    throw SessionArgs::Error(t.label() + " has no entry " +
+                                             TsValueText::quote(entry));
                 }
             }
             keys = keysOf(a);

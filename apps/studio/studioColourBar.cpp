@@ -5,6 +5,7 @@
 #include "host/sessionScript.h"
 
 #include <tesseraCore/colour/tsColour.h>
+#include <tesseraCore/setup/tsValueText.h>
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -66,11 +67,11 @@ StudioColourBar::StudioColourBar(HostSession& session, Perform perform, QWidget*
     connect(_plate, &QComboBox::activated, this, [this](int) {
         const std::string space = _plate->currentText().toStdString();
         change("plate colorspace " +
-               (space == Automatic ? std::string("auto") : SessionScript::quote(space)));
+               (space == Automatic ? std::string("auto") : TsValueText::quoteWord(space)));
     });
     auto display = [this] {
-        change("display " + SessionScript::quote(_display->currentText().toStdString()) + " view " +
-               SessionScript::quote(_view->currentText().toStdString()));
+        change("display " + TsValueText::quoteWord(_display->currentText().toStdString()) +
+               " view " + TsValueText::quoteWord(_view->currentText().toStdString()));
     };
     connect(_display, &QComboBox::activated, this, [this, display](int) {
         fillViews();
@@ -132,5 +133,5 @@ void StudioColourBar::refresh() {
 std::string StudioColourBar::exportSpaceWords() const {
     const std::string space = _export->currentText().toStdString();
     return space == Automatic || space.empty() ? std::string()
-                                               : " colorspace " + SessionScript::quote(space);
+                                               : " colorspace " + TsValueText::quoteWord(space);
 }

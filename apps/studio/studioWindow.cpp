@@ -17,6 +17,7 @@
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piPath.h>
 #include <tesseraCore/render/tsViewRender.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <tesseraCore/tsDgTool.h>
 #include <tesseraCore/tsMgTool.h>
 #include <tesseraCore/tsSpillBlendTool.h>
@@ -58,7 +59,7 @@ std::string absolute(const std::string& path) {
 }
 
 std::string quoted(const std::string& word) {
-    return SessionScript::quote(word);
+    return TsValueText::quoteWord(word);
 }
 
 } // namespace

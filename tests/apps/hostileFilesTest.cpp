@@ -75,7 +75,7 @@ TEST_F(HostileFiles, WhatIsNotARegularFileWithinItsLimitIsRefusedBeforeItIsRead)
         {"setup", ZnLimits::SetupBytes,
          [&](const std::string& p) {
              LiString error;
-             EXPECT_FALSE(TsSetup::load(*keyer, p, &error));
+             EXPECT_FALSE(TsSetup::load(*keyer, p, error));
              return error;
          }},
         {"plate", TsPlateIO::getMaxPixels() * ZnLimits::PlateBytesPerPixel,

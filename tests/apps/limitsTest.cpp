@@ -9,6 +9,7 @@
 
 #include <base/znLimits.h>
 #include <tesseraCore/io/tsPlateIO.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <tesseraCore/tsSetup.h>
 #include <ui/uiPanelDescription.h>
 
@@ -88,10 +89,10 @@ TEST_F(Limits, ANodeNameFollowsOneRuleOnEveryPath) {
         {"a\tb", "a node's name holds no control character (a newline, a tab, ...)"},
         {tooLong, "a node's name is at most 255 bytes long, not 256"}};
     for (const auto& [name, why] : wrong) {
-        EXPECT_EQ(run("rename keyer1 " + SessionScript::quote(name)), "test.tss:1: " + why);
+        EXPECT_EQ(run("rename keyer1 " + TsValueText::quoteWord(name)), "test.tss:1: " + why);
         LiString error;
         EXPECT_FALSE(TsSetup::read(shown(), "tessera-setup 1\nnode \"" + name + "\"\nend\n",
-                                   "bad.setup", &error));
+                                   "bad.setup", error));
         EXPECT_EQ(error, "bad.setup:2: " + (name.size() > ZnLimits::NameBytes
                                                 ? "a name of 256 bytes (at most 255)"
                                                 : "node \"" + name + "\": " + why));
@@ -109,7 +110,7 @@ TEST_F(Limits, ANodeNameFollowsOneRuleOnEveryPath) {
     LiString error;
     EXPECT_FALSE(TsSetup::read(shown(),
                                "tessera-setup 1\nnode \"" + std::string(10 << 20, 'x') + "\"\n",
-                               "huge.setup", &error));
+                               "huge.setup", error));
     EXPECT_EQ(error, "huge.setup:2: a name of 10485760 bytes (at most 255)");
 
     // So is a setup of more keyer nodes than a group may be given.
@@ -117,7 +118,7 @@ TEST_F(Limits, ANodeNameFollowsOneRuleOnEveryPath) {
     for (std::size_t i = 0; i <= ZnLimits::SetupNodes; ++i) {
         many += "node \"n" + std::to_string(i) + "\"\n";
     }
-    EXPECT_FALSE(TsSetup::read(*session->getKeyer(), many + "end\n", "many.setup", &error));
+    EXPECT_FALSE(TsSetup::read(*session->getKeyer(), many + "end\n", "many.setup", error));
     EXPECT_EQ(error, "many.setup:1003: more than 1000 keyer nodes");
 }
 

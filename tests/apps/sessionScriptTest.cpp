@@ -3,6 +3,7 @@
 #include "host/sessionInterpreter.h"
 
 #include <gtest/gtest.h>
+#include <tesseraCore/setup/tsValueText.h>
 
 namespace {
 
@@ -29,11 +30,11 @@ TEST(SessionScript, WordsQuotesEscapesAndComments) {
 TEST(SessionScript, QuotingReadsBackToTheSameWord) {
     for (const std::string w :
          {"plain", "two words", "", "a\"quote", "back\\slash", "#hash", "Pick Key Colour 1"}) {
-        const auto back = words("x " + SessionScript::quote(w));
+        const auto back = words("x " + TsValueText::quoteWord(w));
         ASSERT_EQ(back.size(), 2u) << w;
         EXPECT_EQ(back[1], w);
     }
-    EXPECT_EQ(SessionScript::quote("plain"), "plain");
+    EXPECT_EQ(TsValueText::quoteWord("plain"), "plain");
 }
 
 TEST(SessionScript, LinesKeepTheirNumbersAndAnOpenQuoteNamesItsLine) {

@@ -16,6 +16,7 @@
 
 #include <pluginAPI/piWidget.h>
 #include <resmgt/liResourcePath.h>
+#include <tesseraCore/setup/tsValueText.h>
 
 #include <array>
 #include <cstddef>
@@ -24,9 +25,9 @@
 
 namespace {
 
-const std::array<std::string, 6> Descriptions = {"tsMainPanel.ui",       "tsMainPanelGeneration2.ui",
-                                                 "tsMatteGenPanel.ui",   "tsDegrainPanel.ui",
-                                                 "tsSpillBlendPanel.ui", "tsOtherPanel.ui"};
+const std::array<std::string, 6> Descriptions = {
+    "tsMainPanel.ui",    "tsMainPanelGeneration2.ui", "tsMatteGenPanel.ui",
+    "tsDegrainPanel.ui", "tsSpillBlendPanel.ui",      "tsOtherPanel.ui"};
 
 std::filesystem::path resources() {
     return fuzz::scratch() / "resources";
@@ -85,7 +86,7 @@ void useWidgets(SessionInterpreter& interpreter) {
                 continue;
             }
             const std::string line =
-                "widget " + panel + " " + SessionScript::quote(widget->getName()) + " " + action;
+                "widget " + panel + " " + TsValueText::quoteWord(widget->getName()) + " " + action;
             if (fuzz::tracing()) {
                 std::cerr << line << "\n";
             }

@@ -45,7 +45,8 @@ void edit(const Keyer& keyer) {
 
 std::string text(const PiNode& keyer) {
     LiString out;
-    FUZZ_CHECK(TsSetup::write(keyer, out), "a keyer writes its setup");
+    std::string writeError;
+    FUZZ_CHECK(TsSetup::write(keyer, out, writeError), "a keyer writes its setup");
     return out;
 }
 
@@ -59,7 +60,7 @@ void load(const Keyer& keyer, PiNode& target, const std::string& setup, Fresh fr
     const std::string before = text(target);
     const int done = stack.getUndoCount();
     LiString error;
-    const bool loaded = TsSetup::read(target, setup, Source, &error);
+    const bool loaded = TsSetup::read(target, setup, Source, error);
     FUZZ_CHECK(!stack.isStepOpen(), "a load leaves no step open");
     const std::string after = text(target);
     if (!loaded) {
@@ -84,7 +85,7 @@ void load(const Keyer& keyer, PiNode& target, const std::string& setup, Fresh fr
 
     PiNode& again = fresh(keyer.group->getGeneration());
     LiString againError;
-    FUZZ_CHECK(TsSetup::read(again, after, "saved.setup", &againError),
+    FUZZ_CHECK(TsSetup::read(again, after, "saved.setup", againError),
                "a saved setup loads: " << againError << "\n"
                                        << after);
     FUZZ_CHECK(text(again) == after, "a saved setup loads as\n"

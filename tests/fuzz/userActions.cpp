@@ -35,6 +35,7 @@
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piTimePath.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <tesseraCore/tsSetup.h>
 #include <ui/uiDualState.h>
 #include <ui/uiLabel.h>
@@ -342,14 +343,14 @@ private:
         case 20:
             line(_data.ConsumeIntegralInRange(0, 4) == 0
                      ? std::string("select none")
-                     : "select " + SessionScript::quote(pick(NodeNames)));
+                     : "select " + TsValueText::quoteWord(pick(NodeNames)));
             break;
         case 21:
-            line("rename " + SessionScript::quote(pick(NodeNames)) + " " +
-                 SessionScript::quote(pick(NodeNames)));
+            line("rename " + TsValueText::quoteWord(pick(NodeNames)) + " " +
+                 TsValueText::quoteWord(pick(NodeNames)));
             break;
         case 22:
-            line("remove " + SessionScript::quote(pick(NodeNames)));
+            line("remove " + TsValueText::quoteWord(pick(NodeNames)));
             break;
         case 23:
             line(_data.ConsumeBool() ? "save stream.setup" : "load stream.setup");
@@ -496,7 +497,7 @@ private:
         } else if (kind == "label") {
             action = "resize " + std::to_string(_data.ConsumeIntegralInRange(0, 200));
         }
-        line("widget " + panel + " " + SessionScript::quote(w->getName()) + " " + action +
+        line("widget " + panel + " " + TsValueText::quoteWord(w->getName()) + " " + action +
              modifiers());
     }
 
@@ -748,7 +749,8 @@ private:
 
     std::string setupText() const {
         LiString text;
-        FUZZ_CHECK(TsSetup::write(*_session.getKeyer(), text), "the keyer writes its setup");
+        std::string error;
+        FUZZ_CHECK(TsSetup::write(*_session.getKeyer(), text, error), "the keyer writes its setup");
         return text;
     }
 

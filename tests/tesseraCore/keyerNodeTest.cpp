@@ -205,7 +205,8 @@ TEST_F(KeyerScene, UndoTakesAwayThePatchInputsANewPatchMadeAndRedoBringsTheSameB
 TEST_F(KeyerScene, PatchNamesAndInputsGoTogetherOnEveryPathAndUndoExactly) {
     auto setup = [this] {
         LiString text;
-        EXPECT_TRUE(TsSetup::write(*group, text));
+        std::string error;
+        EXPECT_TRUE(TsSetup::write(*group, text, error)) << error;
         return text;
     };
     auto inStep = [this] {
@@ -228,7 +229,8 @@ TEST_F(KeyerScene, PatchNamesAndInputsGoTogetherOnEveryPathAndUndoExactly) {
     done();
     mg->resetKeyer();
     done();
-    ASSERT_TRUE(TsSetup::read(*group, threePatches, "three patches"));
+    std::string error;
+    ASSERT_TRUE(TsSetup::read(*group, threePatches, "three patches", error)) << error;
     done();
 
     for (std::size_t i = texts.size() - 1; i-- > 0;) {

@@ -185,14 +185,4 @@ TEST_F(PlateFiles, WriteFailuresLeaveEarlierFilesAlone) {
     EXPECT_NE(error.find("no/such/dir/out.exr"), std::string::npos) << error;
 }
 
-TEST_F(PlateFiles, ReportedReadsGoToTheHostsReporter) {
-    ExReporter::getInstance().clear();
-    EXPECT_FALSE(TsPlateIO::readReported(file("missing.png")));
-    const auto reports = ExReporter::getInstance().getReports();
-    ASSERT_EQ(reports.size(), 1u);
-    EXPECT_NE(reports[0].text().find(file("missing.png")), std::string::npos);
-    EXPECT_TRUE(TsPlateIO::writeReported(PiImage(2, 2, {0, 0, 0, 1}), file("ok.png")));
-    EXPECT_EQ(ExReporter::getInstance().getReportCount(), 1u);
-}
-
 } // namespace

@@ -49,7 +49,7 @@ protected:
         group = TsKeyerGroup::create("keyer", 1, 1);
         graph->getRoot()->addNode(group);
         overall(0).setKey(0.0, 0.25);
-        ASSERT_TRUE(TsSetup::save(*group, target()));
+        ASSERT_TRUE(TsSetup::save(*group, target(), why)) << why;
         old = readFile(target());
         ASSERT_LT(old.size(), Limit);
 
@@ -63,7 +63,7 @@ protected:
             }
         }
         LiString text;
-        ASSERT_TRUE(TsSetup::write(*group, text));
+        ASSERT_TRUE(TsSetup::write(*group, text, why)) << why;
         ASSERT_GT(text.size(), 8 * Limit);
         ExReporter::getInstance().clear();
     }
@@ -102,15 +102,16 @@ protected:
         const RCShdPtr<TsKeyerGroup> fresh = TsKeyerGroup::create("keyer", 1, 1);
         other->getRoot()->addNode(fresh);
         LiString error;
-        ASSERT_TRUE(TsSetup::load(*fresh, target(), &error)) << error;
+        ASSERT_TRUE(TsSetup::load(*fresh, target(), error)) << error;
         LiString text;
-        ASSERT_TRUE(TsSetup::write(*fresh, text));
+        ASSERT_TRUE(TsSetup::write(*fresh, text, why)) << why;
         EXPECT_EQ(text, old);
     }
 
     fs::path dir;
     RCShdPtr<PiGraph> graph;
     RCShdPtr<TsKeyerGroup> group;
+    std::string why; // what a save or load that should work says when it does not
     std::string old;
 };
 
@@ -125,7 +126,7 @@ TEST_F(AtomicSave, ASaveKilledInTheMiddleOfItsWriteLeavesTheOldSetup) {
         ::setrlimit(RLIMIT_CORE, &core);
         const rlimit size{Limit, Limit};
         ::setrlimit(RLIMIT_FSIZE, &size);
-        const bool saved = TsSetup::save(*group, target());
+        const bool saved = TsSetup::save(*group, target(), why);
         ::_exit(saved ? 0 : 1);
     }
     int status = 0;
@@ -149,9 +150,9 @@ TEST_F(AtomicSave, ASaveKilledInTheMiddleOfItsWriteLeavesTheOldSetup) {
     const int liveFd = ::open(live.c_str(), O_RDWR | O_CREAT, 0644);
     ASSERT_GE(liveFd, 0);
     ASSERT_EQ(::flock(liveFd, LOCK_EX), 0);
-    ASSERT_TRUE(TsSetup::save(*group, target()));
+    ASSERT_TRUE(TsSetup::save(*group, target(), why)) << why;
     LiString text;
-    ASSERT_TRUE(TsSetup::write(*group, text));
+    ASSERT_TRUE(TsSetup::write(*group, text, why)) << why;
     EXPECT_EQ(readFile(target()), text);
     EXPECT_EQ(others(), std::vector<fs::path>{live});
     ::close(liveFd);
@@ -167,7 +168,7 @@ TEST_F(AtomicSave, AWriteRefusedHalfWayIsReportedAndLeavesTheOldSetupAndNoTempor
     limited.rlim_cur = Limit;
     ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
     LiString error;
-    const bool saved = TsSetup::save(*group, target(), &error);
+    const bool saved = TsSetup::save(*group, target(), error);
     ::setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, oldHandler);
 
@@ -185,7 +186,7 @@ TEST_F(AtomicSave, ATargetThatIsADirectoryIsReportedAndLeftAsItWas) {
     fs::create_directories(folder);
     std::ofstream(folder / "inside") << "kept";
     LiString error;
-    EXPECT_FALSE(TsSetup::save(*group, folder.string(), &error));
+    EXPECT_FALSE(TsSetup::save(*group, folder.string(), error));
     EXPECT_EQ(error.rfind(folder.string() + ": cannot write the setup: ", 0), 0u) << error;
     EXPECT_EQ(ExReporter::getInstance().getReportCount(), 1u);
     EXPECT_TRUE(fs::is_directory(folder));

@@ -115,45 +115,45 @@ protected:
         const Snapshot before = snapshot(*group);
         const int steps = graph->getCommandStack().getStepCount();
         LiString error;
-        EXPECT_FALSE(TsSetup::load(*group, path("bad.setup"), &error));
+        EXPECT_FALSE(TsSetup::load(*group, path("bad.setup"), error));
         EXPECT_NE(error.find("bad.setup:" + std::to_string(line) + ": "), std::string::npos)
             << error;
         EXPECT_NE(error.find(what), std::string::npos) << error;
         EXPECT_TRUE(snapshot(*group) == before);
         EXPECT_EQ(graph->getCommandStack().getStepCount(), steps);
-        EXPECT_GE(ExReporter::getInstance().getReportCount(), 1u);
     }
 
     fs::path dir;
     RCShdPtr<PiGraph> graph;
     RCShdPtr<TsKeyerGroup> group;
+    std::string why; // what a save or load that should work says when it does not
 };
 
 TEST_F(SetupScene, AGroupSavedAndLoadedIntoAFreshGroupIsTheSame) {
-    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
+    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup"), why)) << why;
     auto other = PiGraph::create();
     auto fresh = TsKeyerGroup::create("keyer", 1, 1);
     other->getRoot()->addNode(fresh);
     LiString error;
-    ASSERT_TRUE(TsSetup::load(*fresh, path("shot.setup"), &error)) << error;
+    ASSERT_TRUE(TsSetup::load(*fresh, path("shot.setup"), error)) << error;
     EXPECT_EQ(fresh->getKeyerNodeCount(), 2);
     EXPECT_TRUE(snapshot(*fresh) == snapshot(*group));
     EXPECT_EQ(fresh->getSlotName(0), "hair \"fine\"");
     EXPECT_EQ(fresh->getSlotName(4), "keyer");
     EXPECT_EQ(other->getCommandStack().getStepNames(), (std::vector<LiString>{"Load Setup"}));
     // And what it saves is what it loaded.
-    ASSERT_TRUE(TsSetup::save(*fresh, path("again.setup")));
+    ASSERT_TRUE(TsSetup::save(*fresh, path("again.setup"), why)) << why;
     EXPECT_EQ(readFile("again.setup"), readFile("shot.setup"));
 }
 
 TEST_F(SetupScene, LoadingIsOneUndoStepBackToTheStateBefore) {
-    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
+    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup"), why)) << why;
     const Snapshot saved = snapshot(*group);
     rcCast<TsMgInterface>(group->getKeyerNode(0)->getController())->resetKeyer();
     group->setSlotNode(0, nullptr);
     const Snapshot changed = snapshot(*group);
     ASSERT_FALSE(changed == saved);
-    ASSERT_TRUE(TsSetup::load(*group, path("shot.setup")));
+    ASSERT_TRUE(TsSetup::load(*group, path("shot.setup"), why)) << why;
     EXPECT_TRUE(snapshot(*group) == saved);
     EXPECT_EQ(graph->getCommandStack().getUndoName(), "Load Setup");
     graph->getCommandStack().undo();
@@ -164,15 +164,15 @@ TEST_F(SetupScene, LoadingIsOneUndoStepBackToTheStateBefore) {
 
 TEST_F(SetupScene, ASingleKeyerNodeRoundTripsOntoAnotherNode) {
     auto source = group->getKeyerNode(0);
-    ASSERT_TRUE(TsSetup::save(*source, path("node.setup")));
+    ASSERT_TRUE(TsSetup::save(*source, path("node.setup"), why)) << why;
     auto target = group->getKeyerNode(1);
-    ASSERT_TRUE(TsSetup::load(*target, path("node.setup")));
+    ASSERT_TRUE(TsSetup::load(*target, path("node.setup"), why)) << why;
     for (int i = 0; i < source->getInputCount(); ++i) {
         EXPECT_TRUE(source->getInput(i)->getState() == target->getInput(i)->getState())
             << source->getInput(i)->getName();
     }
     LiString error;
-    EXPECT_FALSE(TsSetup::load(*group, path("node.setup"), &error));
+    EXPECT_FALSE(TsSetup::load(*group, path("node.setup"), error));
     EXPECT_NE(error.find("single keyer node"), std::string::npos) << error;
 }
 
@@ -221,34 +221,34 @@ TEST_F(SetupScene, ANodeEditedInStepsUndoneRedoneSavedAndReloadedIsExact) {
     }
     EXPECT_TRUE(states() == edited);
 
-    ASSERT_TRUE(TsSetup::save(*node, path("node.setup")));
+    ASSERT_TRUE(TsSetup::save(*node, path("node.setup"), why)) << why;
     mg->resetKeyer();
     ASSERT_FALSE(states() == edited);
-    ASSERT_TRUE(TsSetup::load(*node, path("node.setup")));
+    ASSERT_TRUE(TsSetup::load(*node, path("node.setup"), why)) << why;
     EXPECT_TRUE(states() == edited);
 }
 
 TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
     writeFile("shot.setup", "old contents");
-    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup")));
+    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup"), why)) << why;
     EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 3\n", 0), 0u);
     EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
     // An ordinary document: readable by others as the umask allows, not
     // private like the temporary file it was written through.
     const mode_t mask = ::umask(022);
-    ASSERT_TRUE(TsSetup::save(*group, path("shared.setup")));
+    ASSERT_TRUE(TsSetup::save(*group, path("shared.setup"), why)) << why;
     ::umask(mask);
     EXPECT_EQ(fs::status(path("shared.setup")).permissions(),
               fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
                   fs::perms::others_read);
     LiString error;
-    EXPECT_FALSE(TsSetup::save(*group, path("missing/shot.setup"), &error));
+    EXPECT_FALSE(TsSetup::save(*group, path("missing/shot.setup"), error));
     EXPECT_NE(error.find("missing/shot.setup"), std::string::npos) << error;
 }
 
 TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
     std::string good;
-    ASSERT_TRUE(TsSetup::write(*group, good));
+    ASSERT_TRUE(TsSetup::write(*group, good, why)) << why;
     auto replaceLine = [&good](const std::string& start, const std::string& with) {
         std::istringstream in(good);
         std::string out, line;
@@ -310,7 +310,7 @@ TEST_F(SetupScene, FirstVersionSetupsLoad) {
                             "input \"patch1.range\" double 0.25\n"
                             "input \"overall\" double 0.5 keys 2 0 0 10 1\nend\n");
     const auto node = group->getKeyerNode(0);
-    ASSERT_TRUE(TsSetup::load(*node, path("node.setup")));
+    ASSERT_TRUE(TsSetup::load(*node, path("node.setup"), why)) << why;
     EXPECT_EQ(node->getPatchNames(), (std::vector<std::string>{"A"}));
     EXPECT_EQ(node->getPatchInputCount(), 1);
     EXPECT_EQ(node->getPatchRangeInput(0)->getTypedValue<double>(0), 0.25);
@@ -327,7 +327,7 @@ TEST_F(SetupScene, FirstVersionSetupsLoad) {
                              "input \"selectedNodes\" node \"keyer2\"\n"
                              "node \"keyer1\"\nnode \"keyer2\"\nend\n");
     LiString error;
-    ASSERT_TRUE(TsSetup::load(*second, path("group.setup"), &error)) << error;
+    ASSERT_TRUE(TsSetup::load(*second, path("group.setup"), error)) << error;
     EXPECT_EQ(second->getSlotName(0), "keyer2");
     EXPECT_EQ(second->getSlotName(1), "");
     EXPECT_EQ(second->getSlotName(2), "keyer");
@@ -336,7 +336,7 @@ TEST_F(SetupScene, FirstVersionSetupsLoad) {
 
 TEST_F(SetupScene, AMissingFileIsReportedWithItsName) {
     LiString error;
-    EXPECT_FALSE(TsSetup::load(*group, path("nowhere.setup"), &error));
+    EXPECT_FALSE(TsSetup::load(*group, path("nowhere.setup"), error));
     EXPECT_NE(error.find("nowhere.setup"), std::string::npos);
     EXPECT_EQ(ExReporter::getInstance().getReportCount(), 1u);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piNode.h>
-#include <resmgt/liString.h>
+#include <string>
 
 // Keyer setups: a keyer group (its slots, its selected node and all its
 // keyer nodes) or a single keyer node, saved to a text file and loaded back
@@ -50,19 +50,20 @@ public:
     // The version written; versions 1 to Version are read.
     static constexpr int Version = 3;
 
-    // `keyer` is a TsKeyerGroup or a TsKeyerNode. On failure both answer
-    // false, report through ExReporter and, when `error` is given, put the
-    // message there.
-    static bool save(const PiNode& keyer, const LiString& path, LiString* error = nullptr);
-    static bool load(PiNode& keyer, const LiString& path, LiString* error = nullptr);
+    // `keyer` is a TsKeyerGroup or a TsKeyerNode. On failure they answer
+    // false and put the message in `error`: the file (or `source`), the line
+    // where there is one, and what is wrong. They report nothing themselves:
+    // the caller shows the message.
+    static bool save(const PiNode& keyer, const std::string& path, std::string& error);
+    static bool load(PiNode& keyer, const std::string& path, std::string& error);
 
     // The same, on text: what save writes, and loading from it (`source`
     // names the text in messages).
-    static bool write(const PiNode& keyer, LiString& text, LiString* error = nullptr);
-    static bool read(PiNode& keyer, const LiString& text, const LiString& source,
-                     LiString* error = nullptr);
+    static bool write(const PiNode& keyer, std::string& text, std::string& error);
+    static bool read(PiNode& keyer, const std::string& text, const std::string& source,
+                     std::string& error);
 
     // The generation of the keyer group a setup text holds (1 or 2); 0 for
     // the setup of a single keyer node, -1 for a text that is no setup.
-    static int getGeneration(const LiString& text);
+    static int getGeneration(const std::string& text);
 };

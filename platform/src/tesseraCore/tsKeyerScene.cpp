@@ -194,20 +194,17 @@ void TsKeyerScene::wirePlates() {
 }
 
 bool TsKeyerScene::saveSetup(const std::string& path, std::string& error) const {
-    LiString message;
-    if (!TsSetup::save(*_group, path, &message)) {
-        error = message;
-        return false;
-    }
-    return true;
+    return TsSetup::save(*_group, path, error);
 }
 
 bool TsKeyerScene::loadSetup(const std::string& path, std::string& error) {
     bool loaded = false;
-    LiString message;
-    exContain("scene: loading " + path, [&] { loaded = TsSetup::load(*_group, path, &message); });
+    error.clear();
+    exContain("scene: loading " + path, [&] { loaded = TsSetup::load(*_group, path, error); });
     if (!loaded) {
-        error = message.empty() ? "the setup was not loaded" : message;
+        if (error.empty()) {
+            error = path + ": the setup was not loaded (see the report before)";
+        }
         return false;
     }
     // Keyer nodes the setup added get the plate too.

@@ -56,11 +56,6 @@ public:
     static bool probe(const std::string& path, int& width, int& height, std::string& error,
                       const std::string& colourSpace = {}, std::string* used = nullptr);
 
-    // The same, reporting a failure through ExReporter (source "plate
-    // reader" or "image writer", the message as above).
-    static PiImagePtr readReported(const std::string& path);
-    static bool writeReported(const PiImage& image, const std::string& path);
-
     // The largest plate read, in pixels, for the whole process (see above).
     static void setMaxPixels(std::uint64_t pixels);
     static std::uint64_t getMaxPixels();

@@ -15,6 +15,7 @@
 #include <vector>
 
 #if defined(__x86_64__)
+#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -43,9 +44,26 @@ __attribute__((target("avx,f16c"))) void toHalf(const float* in, std::uint16_t* 
     }
 }
 
+// AVX and F16C, asked of the processor itself (CPUID leaf 1: F16C is ECX
+// bit 29, AVX bit 28, and the system saves the AVX registers when OSXSAVE,
+// bit 27, is set and XCR0 holds the SSE and AVX state), which every compiler
+// answers alike.
 bool halfInput() {
-    static const bool supported =
-        __builtin_cpu_supports("avx") != 0 && __builtin_cpu_supports("f16c") != 0;
+    static const bool supported = [] {
+        unsigned a = 0, b = 0, c = 0, d = 0;
+        if (!__get_cpuid(1, &a, &b, &c, &d)) {
+            return false;
+        }
+        const bool f16c = (c >> 29) & 1u;
+        const bool avx = (c >> 28) & 1u;
+        const bool osxsave = (c >> 27) & 1u;
+        if (!(f16c && avx && osxsave)) {
+            return false;
+        }
+        unsigned lo = 0, hi = 0;
+        __asm__("xgetbv" : "=a"(lo), "=d"(hi) : "c"(0));
+        return (lo & 6u) == 6u;
+    }();
     return supported;
 }
 #else

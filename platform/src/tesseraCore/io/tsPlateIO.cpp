@@ -444,21 +444,3 @@ bool TsPlateIO::probe(const std::string& path, int& width, int& height, std::str
     }
     return true;
 }
-
-PiImagePtr TsPlateIO::readReported(const std::string& path) {
-    std::string error;
-    PiImagePtr plate = read(path, error);
-    if (!plate) {
-        ExReporter::getInstance().report("plate reader", error);
-    }
-    return plate;
-}
-
-bool TsPlateIO::writeReported(const PiImage& image, const std::string& path) {
-    std::string error;
-    const bool ok = write(image, path, error);
-    if (!ok) {
-        ExReporter::getInstance().report("image writer", error);
-    }
-    return ok;
-}
