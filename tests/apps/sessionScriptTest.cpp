@@ -28,8 +28,8 @@ TEST(SessionScript, WordsQuotesEscapesAndComments) {
 }
 
 TEST(SessionScript, QuotingReadsBackToTheSameWord) {
-    for (const std::string w :
-         {"plain", "two words", "", "a\"quote", "back\\slash", "#hash", "Pick Key Colour 1"}) {
+    for (const std::string w : {"plain", "two words", "", "a\"quote", "back\\slash", "#hash",
+                                "line\nbreak", "Pick Key Colour 1"}) {
         const auto back = words("x " + TsValueText::quoteWord(w));
         ASSERT_EQ(back.size(), 2u) << w;
         EXPECT_EQ(back[1], w);

@@ -24,18 +24,17 @@ std::string nodeRefText(const PiNodeRef& ref, const TsKeyerGroup* group) {
     return node ? TsValueText::quote(node->getName()) : "-";
 }
 
+// Numbers, flags and colours as TsValueText writes them; lists with their
+// length first; node references by name.
 std::string valueText(const PiValue& v, const TsKeyerGroup* group) {
-    std::string out;
+    std::string out = TsValueText::scalar(v);
+    if (!out.empty()) {
+        return out;
+    }
     std::visit(
         [&](const auto& value) {
             using T = std::decay_t<decltype(value)>;
-            if constexpr (std::is_same_v<T, double> || std::is_same_v<T, int>) {
-                out = number(value);
-            } else if constexpr (std::is_same_v<T, bool>) {
-                out = value ? "true" : "false";
-            } else if constexpr (std::is_same_v<T, CoRgbColorTyped<float>>) {
-                out = number(value.r) + " " + number(value.g) + " " + number(value.b);
-            } else if constexpr (std::is_same_v<T, PiStringList>) {
+            if constexpr (std::is_same_v<T, PiStringList>) {
                 out = std::to_string(value.size());
                 for (const std::string& s : value) {
                     out += " " + TsValueText::quote(s);
