@@ -39,6 +39,9 @@
 // - .exr: 32-bit float RGBA, premultiplied, display window = data window;
 // - .png: 16-bit RGBA, straight alpha, clamped to [0, 1];
 // - .jpg, .jpeg: 8-bit RGB, clamped to [0, 1];
+// - no time of writing in the header: the same image is the same bytes,
+//   whichever machine writes it and whenever (a farm's frames compare equal
+//   to a workstation's);
 // - through FsAtomicFile: the writer's bytes go to a temporary file, each
 //   write checked, and replace the target only once all of them are on the
 //   disk. A full disk is an error naming the file and the reason ("No space

@@ -304,6 +304,10 @@ bool writeImage(const PiImage& image, const std::string& path, const std::string
     }
     spec.attribute("oiio:ColorSpace", target);
     spec.attribute(ColourSpaceAttribute, target);
+    // A frame is the same bytes whichever machine renders it, and whenever:
+    // the EXR writer stamps the time of writing (capDate) unless it is given
+    // a time, so it is given an empty one.
+    spec.attribute("DateTime", "");
     // The file's rows top to bottom, in the file's space, then premultiplied
     // (EXR) or clamped to the integer range.
     std::vector<float> data(4 * image.getPixelCount());
