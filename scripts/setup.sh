@@ -10,6 +10,8 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     clang libclang-rt-14-dev clang-format
     xauth xvfb
+    # the farm test's one-node Slurm cluster (scripts/farm-cluster.sh)
+    slurm-wlm munge iproute2
 )
 
 missing=()
