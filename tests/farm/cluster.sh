@@ -23,6 +23,7 @@ cleanup() {
     rm -rf "$work"
 }
 trap cleanup EXIT
+trap "exit 1" INT TERM
 fail() {
     echo "farm test: $*"
     for log in "$work"/*/farm/logs/*.log; do
@@ -42,15 +43,18 @@ fi
 [ "$status" -eq 0 ] || fail "the cluster did not start: $(cat "$work/start.txt")"
 export SLURM_CONF=$cluster/slurm.conf
 
-# Runs tessera-farm status until the job has ended (at most two minutes);
-# answers its exit status, its report in $work/status.txt.
+# Runs tessera-farm status until the job has ended; answers its exit status,
+# its report in $work/status.txt. Every job has ended four minutes after the
+# start, well within the test's time out, so that the cluster is always
+# stopped.
+deadline=$((SECONDS + 240))
 wait_for() {
-    local deadline=$((SECONDS + 120)) rc
+    local rc
     while true; do
         rc=0
         "$bin/tessera-farm" status "$1" >"$work/status.txt" 2>&1 || rc=$?
         [ "$rc" -ne 3 ] && return "$rc"
-        [ "$SECONDS" -lt "$deadline" ] || fail "job $1 did not end in 120 s: $(cat "$work/status.txt")"
+        [ "$SECONDS" -lt "$deadline" ] || fail "job $1 has not ended: $(cat "$work/status.txt")"
         sleep 0.5
     done
 }
