@@ -29,7 +29,7 @@ void ColourCommands::add(SessionInterpreter& interpreter) {
          {std::tuple<const char*, const char*, Setter>{"exposure", "exposure in stops",
                                                        &TsDisplayTransform::setExposure},
           {"gamma", "gamma", &TsDisplayTransform::setGamma}}) {
-        in.addCommand(command, [&s, &display, what, set](SessionArgs& a) {
+        in.addCommand(command, [&s, &display, what = what, set = set](SessionArgs& a) {
             const double value = a.number(what);
             a.end();
             std::string error;
