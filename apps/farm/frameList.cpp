@@ -98,10 +98,12 @@ std::vector<PiFrameRange> FrameList::chunks(int size) const {
     std::vector<PiFrameRange> out;
     for (const PiFrameRange& r : _ranges) {
         for (int f = r.first; f <= r.last; f += size) {
-            out.push_back({f, std::min(r.last, f + size - 1), false});
+            // Differences only: near the largest int, f + size would overflow.
             if (r.last - f < size) {
-                break; // f + size could pass the largest int
+                out.push_back({f, r.last, false});
+                break;
             }
+            out.push_back({f, f + (size - 1), false});
         }
     }
     return out;
