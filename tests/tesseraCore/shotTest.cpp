@@ -159,6 +159,28 @@ TEST_F(SequenceScene, TheCacheKeepsFramesWithinItsBudgetAndReadsAhead) {
     cache.setBudget(budget);
 }
 
+// A viewer smaller than the plate steps through frames that come with their
+// reduced copies: made once, and made by the reader for frames read ahead.
+TEST_F(SequenceScene, FramesReadAheadComeReducedForTheViewer) {
+    for (int f = 1; f <= 3; ++f) {
+        writeFrame(f);
+    }
+    std::string error;
+    const auto clip = open("", TsMissingFrames::Refuse, error);
+    ASSERT_TRUE(clip) << error;
+    const PiImagePtr reduced = clip->getReducedAt(1, 2);
+    ASSERT_TRUE(reduced);
+    EXPECT_EQ(reduced->getWidth(), 4);
+    EXPECT_EQ(reduced->getHeight(), 2);
+    EXPECT_FLOAT_EQ(reduced->getPixel(1, 1).r, clip->getImageAt(1)->getPixel(2, 2).r);
+    EXPECT_EQ(clip->getReducedAt(1, 2).get(), reduced.get()) << "kept, not made again";
+    TsFrameCache& cache = TsFrameCache::getInstance();
+    clip->readAhead(1, 2);
+    cache.waitForReadAhead();
+    const std::size_t frameBytes = 8 * 4 * 4 * sizeof(float);
+    EXPECT_EQ(cache.getUsed(), 3 * (frameBytes + frameBytes / 4));
+}
+
 // A keyer over the sequence with an animated key.
 class ShotRenderScene : public SequenceScene {
 protected:

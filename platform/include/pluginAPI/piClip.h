@@ -38,6 +38,10 @@ public:
     // The size every image of the clip has (0 x 0 for an empty still).
     virtual int getClipWidth() const = 0;
     virtual int getClipHeight() const = 0;
+    // The image at `time` reduced by an integer factor for viewing, when the
+    // clip keeps such copies (frames read ahead come with theirs, so that
+    // stepping to them costs no reduction); null when it does not.
+    virtual PiImagePtr getReducedAt(double time, int factor) const;
 };
 
 using PiClipPtr = RCShdPtr<const PiClip>;

@@ -5,6 +5,10 @@
 
 PiClip::~PiClip() = default;
 
+PiImagePtr PiClip::getReducedAt(double, int) const {
+    return PiImagePtr();
+}
+
 int PiClip::frameOf(double time) {
     return static_cast<int>(std::lround(time));
 }

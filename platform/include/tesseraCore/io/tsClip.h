@@ -3,6 +3,7 @@
 #include <pluginAPI/piClip.h>
 #include <pluginAPI/piImage.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -25,6 +26,9 @@ public:
     PiFrameRange getFrameRange() const override { return _range; }
     int getClipWidth() const override { return _width; }
     int getClipHeight() const override { return _height; }
+    // Kept in the cache beside the frame; the factor asked last is the one
+    // frames read ahead come with.
+    PiImagePtr getReducedAt(double time, int factor) const override;
 
     // The frame made afresh, without the cache; empty (and `error`) when it
     // cannot be made.
@@ -51,4 +55,5 @@ private:
     int _width;
     int _height;
     Maker _make;
+    mutable std::atomic<int> _viewFactor{1};
 };

@@ -44,12 +44,17 @@ public:
     // thread is loading is waited for, not loaded twice. Empty when the
     // loader fails (`error`, when given, says why); failures are not kept.
     PiImagePtr get(std::uint64_t clip, int frame, const Loader& load, std::string* error);
+    // The frame reduced by `factor` for a viewer (TsKeyerPass::reduce), kept
+    // beside the frame and counted in the budget; one factor per frame.
+    PiImagePtr getReduced(std::uint64_t clip, int frame, int factor, const Loader& load,
+                          std::string* error);
     bool contains(std::uint64_t clip, int frame) const;
     // The frames of a clip held now, in order.
     std::vector<int> getFrames(std::uint64_t clip) const;
 
-    // Reads the frames in the background, in order, as far as they fit.
-    void readAhead(std::uint64_t clip, std::vector<int> frames, Loader load);
+    // Reads the frames in the background, in order, as far as they fit, each
+    // with its copy reduced by `factor` when that is above 1.
+    void readAhead(std::uint64_t clip, std::vector<int> frames, Loader load, int factor = 1);
     // Stops reading ahead and lets the clip's frames go (a clip that goes).
     void forget(std::uint64_t clip);
     // Waits until the reading ahead asked for so far is done (tests).
@@ -62,10 +67,13 @@ private:
     struct Entry {
         Key key;
         PiImagePtr image;
-        std::size_t bytes = 0;
+        std::size_t bytes = 0; // with the reduced copy
+        PiImagePtr reduced;
+        int factor = 1;
     };
 
-    void insert(const Key& key, const PiImagePtr& image, std::unique_lock<std::mutex>& lock);
+    void insert(const Key& key, const PiImagePtr& image, const PiImagePtr& reduced, int factor,
+                std::unique_lock<std::mutex>& lock);
     void touch(std::list<Entry>::iterator it);
     void evict(std::unique_lock<std::mutex>& lock);
     void readAheadLoop();
@@ -84,6 +92,7 @@ private:
     std::uint64_t _aheadClip = 0;
     std::vector<int> _aheadFrames;
     Loader _aheadLoad;
+    int _aheadFactor = 1;
     bool _aheadBusy = false;
     bool _stopping = false;
     std::thread _reader;

@@ -52,8 +52,15 @@ private:
         bool operator==(const Key&) const = default;
     };
 
+    // The background reduced like the plate: the clip's copy, else one kept
+    // here while the background and the factor stay.
+    PiImagePtr reducedBackground(const PiImagePtr& background, double time, int factor);
+
     RCShdPtr<const TsKeyerNode> _node;
     TsKeyerPass _pass;
+    PiImagePtr _backgroundSource;
+    PiImagePtr _backgroundReduced;
+    int _backgroundFactor = 0;
     Key _key;
     PiImagePtr _image;
     bool _valid = false;

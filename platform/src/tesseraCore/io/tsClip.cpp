@@ -34,6 +34,12 @@ PiImagePtr TsClip::getImageAt(double time, std::string* error) const {
     return TsFrameCache::getInstance().get(_id, clampFrame(frameOf(time)), _make, error);
 }
 
+PiImagePtr TsClip::getReducedAt(double time, int factor) const {
+    _viewFactor = std::max(factor, 1);
+    return TsFrameCache::getInstance().getReduced(_id, clampFrame(frameOf(time)), factor, _make,
+                                                  nullptr);
+}
+
 PiImagePtr TsClip::readFrame(int frame, std::string* error) const {
     std::string why;
     PiImagePtr image = _make(clampFrame(frame), why);
@@ -55,7 +61,7 @@ void TsClip::readAhead(int frame, int count) const {
             frames.push_back(f);
         }
     }
-    TsFrameCache::getInstance().readAhead(_id, std::move(frames), _make);
+    TsFrameCache::getInstance().readAhead(_id, std::move(frames), _make, _viewFactor);
 }
 
 std::vector<int> TsClip::getCachedFrames() const {

@@ -1,5 +1,7 @@
 #include <tesseraCore/io/tsFrameCache.h>
 
+#include <tesseraCore/img/tsKeyerPass.h>
+
 #include <cstdlib>
 
 namespace {
@@ -69,13 +71,13 @@ void TsFrameCache::evict(std::unique_lock<std::mutex>&) {
     }
 }
 
-void TsFrameCache::insert(const Key& key, const PiImagePtr& image,
-                          std::unique_lock<std::mutex>& lock) {
-    const std::size_t bytes = bytesOf(image);
+void TsFrameCache::insert(const Key& key, const PiImagePtr& image, const PiImagePtr& reduced,
+                          int factor, std::unique_lock<std::mutex>& lock) {
+    const std::size_t bytes = bytesOf(image) + bytesOf(reduced);
     if (bytes > _budget || _index.count(key)) {
         return;
     }
-    _entries.push_front(Entry{key, image, bytes});
+    _entries.push_front(Entry{key, image, bytes, reduced, factor});
     _index[key] = _entries.begin();
     _used += bytes;
     evict(lock);
@@ -105,12 +107,40 @@ PiImagePtr TsFrameCache::get(std::uint64_t clip, int frame, const Loader& load,
     lock.lock();
     _loading.erase(key);
     if (image) {
-        insert(key, image, lock);
+        insert(key, image, PiImagePtr(), 1, lock);
     } else if (error) {
         *error = why;
     }
     _loaded.notify_all();
     return image;
+}
+
+PiImagePtr TsFrameCache::getReduced(std::uint64_t clip, int frame, int factor, const Loader& load,
+                                    std::string* error) {
+    const PiImagePtr image = get(clip, frame, load, error);
+    if (!image || factor <= 1) {
+        return image;
+    }
+    const Key key{clip, frame};
+    {
+        const std::lock_guard lock(_mutex);
+        if (const auto it = _index.find(key); it != _index.end() && it->second->factor == factor &&
+                                              it->second->image.get() == image.get()) {
+            return it->second->reduced;
+        }
+    }
+    PiImagePtr reduced = TsKeyerPass::reduce(*image, factor);
+    std::unique_lock lock(_mutex);
+    if (const auto it = _index.find(key);
+        it != _index.end() && it->second->image.get() == image.get()) {
+        Entry& entry = *it->second;
+        _used += bytesOf(reduced) - bytesOf(entry.reduced);
+        entry.bytes += bytesOf(reduced) - bytesOf(entry.reduced);
+        entry.reduced = reduced;
+        entry.factor = factor;
+        evict(lock);
+    }
+    return reduced;
 }
 
 bool TsFrameCache::contains(std::uint64_t clip, int frame) const {
@@ -128,9 +158,10 @@ std::vector<int> TsFrameCache::getFrames(std::uint64_t clip) const {
     return frames;
 }
 
-void TsFrameCache::readAhead(std::uint64_t clip, std::vector<int> frames, Loader load) {
+void TsFrameCache::readAhead(std::uint64_t clip, std::vector<int> frames, Loader load, int factor) {
     {
         const std::lock_guard lock(_mutex);
+        _aheadFactor = factor;
         _aheadClip = clip;
         _aheadFrames = std::move(frames);
         _aheadLoad = std::move(load);
@@ -185,13 +216,18 @@ void TsFrameCache::readAheadLoop() {
             continue;
         }
         Loader load = _aheadLoad;
+        const int factor = _aheadFactor;
         _aheadBusy = true;
         _loading.insert(key);
         lock.unlock();
         std::string error;
         PiImagePtr image;
+        PiImagePtr reduced;
         try {
             image = load(frame, error);
+            if (image && factor > 1) {
+                reduced = TsKeyerPass::reduce(*image, factor);
+            }
         } catch (...) {
             image.reset();
         }
@@ -199,7 +235,7 @@ void TsFrameCache::readAheadLoop() {
         lock.lock();
         _loading.erase(key);
         if (image) {
-            insert(key, image, lock);
+            insert(key, image, reduced, reduced ? factor : 1, lock);
         }
         _aheadBusy = false;
         _loaded.notify_all();

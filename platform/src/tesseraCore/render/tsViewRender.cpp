@@ -8,8 +8,12 @@
 
 namespace {
 
+PiClipPtr clipOf(const RCShdPtr<PiInput>& input) {
+    return input ? input->getTypedValue<PiClipPtr>(0.0) : PiClipPtr();
+}
+
 PiImagePtr imageOf(const RCShdPtr<PiInput>& input, double frame) {
-    const PiClipPtr clip = input ? input->getTypedValue<PiClipPtr>(0.0) : PiClipPtr();
+    const PiClipPtr clip = clipOf(input);
     return clip ? clip->getImageAt(frame) : PiImagePtr();
 }
 
@@ -57,6 +61,23 @@ PiImagePtr TsViewRender::render(const TsKeyerNode& node, double frame, TsViewMod
     return pass.render(mode);
 }
 
+PiImagePtr TsViewRenderer::reducedBackground(const PiImagePtr& background, double time,
+                                             int factor) {
+    if (!background) {
+        return PiImagePtr();
+    }
+    const PiClipPtr clip = clipOf(_node->getBackgroundInput());
+    if (PiImagePtr reduced = clip ? clip->getReducedAt(time, factor) : PiImagePtr()) {
+        return reduced;
+    }
+    if (_backgroundSource.get() != background.get() || _backgroundFactor != factor) {
+        _backgroundReduced = TsKeyerPass::reduce(*background, factor);
+        _backgroundSource = background;
+        _backgroundFactor = factor;
+    }
+    return _backgroundReduced;
+}
+
 TsViewRenderer::TsViewRenderer(const RCShdPtr<const TsKeyerNode>& node)
     : _node(node) {}
 
@@ -82,7 +103,18 @@ PiImagePtr TsViewRenderer::render(const std::string& view, double time, int widt
             _pass.setBackground(background);
         }
         _pass.setSettings(node.getSettings(time));
-        if (key.width > 0) {
+        // A frame of a sequence comes with its reduced copy from the frame
+        // cache (made when it was read ahead); the pass reduces a still itself.
+        const int factor = key.width > 0 ? _pass.getViewerFactor(key.width) : 1;
+        const PiClipPtr clip = clipOf(node.getImageInput());
+        const PiImagePtr reduced = factor > 1 ? clip->getReducedAt(time, factor) : PiImagePtr();
+        if (reduced) {
+            auto out = rcMake<PiImage>();
+            TsKeyerPass::run(*reduced, reducedBackground(background, time, factor).get(),
+                             _pass.getSettings(), mode, *out, factor);
+            _image = PiImagePtr(out);
+            ++_reducedRenders;
+        } else if (key.width > 0) {
             auto out = rcMake<PiImage>();
             _pass.renderViewer(mode, key.width, *out);
             _image = PiImagePtr(out);
