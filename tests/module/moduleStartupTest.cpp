@@ -108,11 +108,12 @@ TEST_F(ModuleStartup, RunsTheFourteenSourcesInTheirOrder) {
     for (int i = 0; i < count; ++i) {
         sources.emplace_back(table[i].source);
     }
-    EXPECT_EQ(sources, (std::vector<std::string>{
-                           "tsAddSampleTool", "tsMgSampleMatteTool", "tsMgSamplePatchTool",
-                           "tsMgEventHandler", "tsMgUi", "tsDgSampleTool", "tsDgEventHandler",
-                           "tsDgUi", "tsSpillBlendMfTool", "tsSpillBlendEventHandler",
-                           "tsSpillBlendUi", "tsImgPickKeyColorsTool", "tsUiImp", "tsUiImpGeneration2"}));
+    EXPECT_EQ(sources,
+              (std::vector<std::string>{
+                  "tsAddSampleTool", "tsMgSampleMatteTool", "tsMgSamplePatchTool",
+                  "tsMgEventHandler", "tsMgUi", "tsDgSampleTool", "tsDgEventHandler", "tsDgUi",
+                  "tsSpillBlendMfTool", "tsSpillBlendEventHandler", "tsSpillBlendUi",
+                  "tsImgPickKeyColorsTool", "tsUiImp", "tsUiImpGeneration2"}));
 }
 
 TEST_F(ModuleStartup, RegisteredItsSixSubscriptionsInStartUpOrder) {

@@ -47,8 +47,7 @@ TEST_F(KeyerFactories, AskingBeforeAFactoryIsRegisteredAnswersNothingAndReports)
     EXPECT_EQ(TsSpillBlendInterface::requireEhFactory(), nullptr);
     EXPECT_NE(lastReport().find("the spill-and-blend viewer handler"), std::string::npos);
     EXPECT_EQ(TsInterface3::requireInstanceDataFactory(), nullptr);
-    EXPECT_NE(lastReport().find("main panel of a generation 2 keyer group"),
-              std::string::npos);
+    EXPECT_NE(lastReport().find("main panel of a generation 2 keyer group"), std::string::npos);
     EXPECT_EQ(ExReporter::getInstance().getReportCount(), 3u);
 }
 

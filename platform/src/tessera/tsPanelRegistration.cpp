@@ -29,7 +29,7 @@ Controller mainPanel(const RCShdPtr<PiNode>& node, const RCShdPtr<PiWidget>& wid
 }
 
 Controller mainPanelGeneration2(const RCShdPtr<PiNode>& node, const RCShdPtr<PiWidget>& widget,
-                      const RCShdPtr<const PiTimePath>& timePath) {
+                                const RCShdPtr<const PiTimePath>& timePath) {
     return TsInterface3::createInstanceData(widget, rcCast<PiGroupNode>(node), timePath);
 }
 
@@ -64,8 +64,8 @@ struct Registration {
                                            &hasInterface<TsMgInterface>, nullptr);
     }
     ~Registration() {
-        for (const char* name :
-             {"tsOtherUi", "tsSpillBlend", "tsDegrain", "tsMatteGen", "tsMainGeneration2", "tsMain"}) {
+        for (const char* name : {"tsOtherUi", "tsSpillBlend", "tsDegrain", "tsMatteGen",
+                                 "tsMainGeneration2", "tsMain"}) {
             UiNodeWidgetFactory::unregister(name);
         }
     }
