@@ -1,5 +1,6 @@
 #include "hostPackages.h"
 
+#include <base/exReporter.h>
 #include <base/inBuildInfoUtil.h>
 #include <base/inPackageManager.h>
 #include <resmgt/liResourcePath.h>
@@ -10,6 +11,7 @@
 #include <tesseraCore/tsMgInterface.h>
 #include <tesseraCore/tsSpillBlendInterface.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -26,11 +28,52 @@ std::string HostPackages::defaultModulePath() {
     return (dir.parent_path() / "lib" / TESSERA_MODULE_FILE).string();
 }
 
+std::vector<std::string> HostPackages::searchPathModules() {
+    const char* env = std::getenv("TESSERA_MODULE_PATH");
+    const std::string path = env ? env : "";
+    std::vector<std::string> modules;
+    std::size_t begin = 0;
+    while (begin <= path.size()) {
+        const std::size_t end = std::min(path.find(':', begin), path.size());
+        const std::string dir = path.substr(begin, end - begin);
+        begin = end + 1;
+        if (dir.empty()) {
+            continue;
+        }
+        std::error_code ec;
+        std::vector<std::string> found;
+        for (const auto& entry : std::filesystem::directory_iterator(dir, ec)) {
+            if (entry.path().extension() == ".so" && entry.is_regular_file(ec)) {
+                found.push_back(entry.path().string());
+            }
+        }
+        if (ec) {
+            ExReporter::getInstance().report("module path " + dir, ec.message());
+        }
+        std::sort(found.begin(), found.end());
+        modules.insert(modules.end(), found.begin(), found.end());
+    }
+    return modules;
+}
+
 bool HostPackages::loadAndStart(const std::string& modulePath) {
     auto& manager = InPackageManager::getInstance();
-    bool ok = manager.loadModule(modulePath);
-    if (ok) {
-        LiResourcePath::addDirectory(std::filesystem::path(modulePath).parent_path().string());
+    std::vector<std::string> modules{modulePath};
+    for (const std::string& m : searchPathModules()) {
+        // The keyer's module once only, even when a directory of the path
+        // holds it.
+        std::error_code ec;
+        if (!std::filesystem::equivalent(m, modulePath, ec)) {
+            modules.push_back(m);
+        }
+    }
+    bool ok = true;
+    for (const std::string& m : modules) {
+        if (manager.loadModule(m)) {
+            LiResourcePath::addDirectory(std::filesystem::path(m).parent_path().string());
+        } else {
+            ok = false;
+        }
     }
     return manager.startAll() == 0 && ok;
 }

@@ -2,6 +2,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 // Loading and starting the keyer's user-interface module in a host program.
 class HostPackages {
@@ -10,9 +11,16 @@ public:
     // host's libraries (lib/ beside the program's bin/).
     static std::string defaultModulePath();
 
-    // Loads the module and starts every package (dependencies first). Failures
-    // are reported and the host carries on; answers false when the module did
-    // not load or a package did not start.
+    // The modules of the module search path, in the order they load: every
+    // *.so file, by name, of each directory of $TESSERA_MODULE_PATH (separated
+    // by ':'; tessera-run's --module-path adds to it). A directory that cannot
+    // be read is reported and skipped.
+    static std::vector<std::string> searchPathModules();
+
+    // Loads the keyer's module, then the modules of the search path (see
+    // searchPathModules), and starts every package (dependencies first).
+    // Failures are reported and the host carries on without what failed;
+    // answers false when a module did not load or a package did not start.
     static bool loadAndStart(const std::string& modulePath);
 
     // Shuts every package down (the last started first) and unloads the

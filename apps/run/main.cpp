@@ -30,7 +30,7 @@ void usage(std::ostream& os) {
           "       tessera-run --render SETUP --plate FILE|demo [--background FILE|demo]\n"
           "                   [--frame N] [--out DIR] [--max-plate-pixels N]\n"
           "                   --write KIND FILE [--write KIND FILE ...]\n"
-          "       tessera-run --list-packages\n"
+          "       tessera-run --list-packages [--module-path DIR]\n"
           "       tessera-run --help | --version\n"
           "\n"
           "  SESSION          a session script (docs/session-scripts.md); relative files it\n"
@@ -59,6 +59,9 @@ void usage(std::ostream& os) {
           "                   and list them: name, state, dependencies, build information;\n"
           "                   then what the module registered, after start-up and after\n"
           "                   shut-down\n"
+          "  --module-path DIR\n"
+          "                   load the modules (*.so) of DIR too, after the keyer's module and\n"
+          "                   those of $TESSERA_MODULE_PATH (repeatable)\n"
           "\n"
           "Exit status: 0 when every line ran and every expectation held, 1 when a line\n"
           "failed (the script's file and line are named) or an output could not be\n"
@@ -174,13 +177,38 @@ int main(int argc, char** argv) {
             return badUsage(what);
         }
     }
-    if (argc == 2 && std::strcmp(argv[1], "--list-packages") == 0) {
-        args.listPackages = true;
+    std::string modulePath;
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
+        if (a == "--list-packages") {
+            args.listPackages = true;
+        } else if (a == "--module-path" && i + 1 < argc) {
+            modulePath += std::string(modulePath.empty() ? "" : ":") + argv[++i];
+        }
+    }
+    if (!modulePath.empty()) {
+        // The host reads the module search path from the environment, as a
+        // program started from here does.
+        const char* env = std::getenv("TESSERA_MODULE_PATH");
+        modulePath = std::string(env && *env ? env : "") + (env && *env ? ":" : "") + modulePath;
+        ::setenv("TESSERA_MODULE_PATH", modulePath.c_str(), 1);
+    }
+    if (args.listPackages) {
+        for (int i = 1; i < argc; ++i) {
+            const std::string a = argv[i];
+            if (a == "--module-path") {
+                ++i;
+            } else if (a != "--list-packages") {
+                return badUsage("--list-packages takes no \"" + a + "\"");
+            }
+        }
         return runSession(args);
     }
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
-        if (a == "--quiet") {
+        if (a == "--module-path" && i + 1 < argc) {
+            ++i;
+        } else if (a == "--quiet") {
             args.quiet = true;
         } else if (a == "--out" && i + 1 < argc) {
             args.out = argv[++i];

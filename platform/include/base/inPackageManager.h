@@ -13,8 +13,9 @@
 //
 // Failures never stop the host: a module that does not load, a dependency that
 // is missing, a dependency cycle or a start-up hook that throws is reported
-// (ExReporter) with the package's name and the reason; the package is left
-// unstarted and packages that started stay started.
+// (ExReporter) with the package's name, the module file it came from (when it
+// came from one) and the reason; the package is left unstarted and packages
+// that started stay started.
 class InPackageManager {
 public:
     enum class State { Registered, Started, Failed, Blocked, Stopped };
@@ -69,6 +70,8 @@ private:
     Record* findByTag(const std::type_info* tag);
     Record* findByVariable(const InVariableBase* variable);
     std::string dependencyName(const InPackageInit::Dependency& dependency) const;
+    // "package NAME", with "(module FILE)" for a package a module registered.
+    std::string source(const std::string& package) const;
     bool start(Record& record, std::vector<Record*>& path);
 
     struct Record {

@@ -123,6 +123,15 @@ std::vector<std::string> InPackageManager::getModuleDirectories() const {
     return dirs;
 }
 
+std::string InPackageManager::source(const std::string& package) const {
+    for (const Module& m : _modules) {
+        if (std::find(m.packages.begin(), m.packages.end(), package) != m.packages.end()) {
+            return "package " + package + " (module " + m.path + ")";
+        }
+    }
+    return "package " + package;
+}
+
 bool InPackageManager::start(Record& record, std::vector<Record*>& path) {
     if (record.state == State::Started) {
         return true;
@@ -142,7 +151,7 @@ bool InPackageManager::start(Record& record, std::vector<Record*>& path) {
             (*it2)->state = State::Blocked;
             (*it2)->reason = "dependency cycle: " + cycle;
         }
-        ExReporter::getInstance().report("package " + name, "dependency cycle: " + cycle);
+        ExReporter::getInstance().report(source(name), "dependency cycle: " + cycle);
         return false;
     }
     path.push_back(&record);
@@ -162,7 +171,7 @@ bool InPackageManager::start(Record& record, std::vector<Record*>& path) {
             path.pop_back();
             // A cycle through this package was reported once already.
             if (record.reason.rfind("dependency cycle", 0) != 0) {
-                ExReporter::getInstance().report("package " + name, record.reason);
+                ExReporter::getInstance().report(source(name), record.reason);
             }
             return false;
         }
@@ -170,7 +179,7 @@ bool InPackageManager::start(Record& record, std::vector<Record*>& path) {
     path.pop_back();
 
     _starting = name;
-    const bool ok = exContain("package " + name, [&] {
+    const bool ok = exContain(source(name), [&] {
         record.package->preStartup();
         record.package->startup();
     });
@@ -208,7 +217,7 @@ void InPackageManager::shutdownAll() {
         InPackageInit* package = _started.back();
         _started.pop_back();
         const std::string name = package->getName();
-        exContain("package " + name, [&] {
+        exContain(source(name), [&] {
             package->shutdown();
             package->postShutdown();
         });
@@ -232,7 +241,7 @@ bool InPackageManager::restart(const std::string& name) {
     }
     InPackageInit* package = record->package;
     std::erase(_started, package);
-    exContain("package " + name, [&] {
+    exContain(source(name), [&] {
         package->shutdown();
         package->postShutdown();
     });
