@@ -1,7 +1,8 @@
 // The test program of the module's own classes. The module is loaded the way
 // the host loads it (dlopen, packages started in dependency order); the tests
 // themselves are a shared library loaded after it, whose references to module
-// classes resolve against the loaded module.
+// classes resolve against the loaded module: a build of its sources with every
+// symbol visible, which the installed module is not.
 #include "host/hostPackages.h"
 
 #include <base/exReporter.h>
@@ -14,7 +15,7 @@
 
 int main(int argc, char** argv) {
     ExReporter::getInstance().setEcho(false);
-    if (!HostPackages::loadAndStart(HostPackages::defaultModulePath())) {
+    if (!HostPackages::loadAndStart(TESSERA_OPEN_MODULE)) {
         for (const auto& r : ExReporter::getInstance().getReports()) {
             std::cerr << r.text() << "\n";
         }

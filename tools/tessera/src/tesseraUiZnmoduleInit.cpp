@@ -3,6 +3,7 @@
 #include "tsDgEventHandler.h"
 #include "tsDgSampleTool.h"
 #include "tsDgUi.h"
+#include "tsExport.h"
 #include "tsImgPickKeyColorsTool.h"
 #include "tsMgEventHandler.h"
 #include "tsMgSampleMatteTool.h"
@@ -104,6 +105,9 @@ template <>
 void InInit<ZnInit::tesseraUiZnmodule>::setFlag(bool value) {
     moduleFlag = value;
 }
+
+// Other packages name this one as their dependency through it.
+template TS_UI_EXPORT const std::type_info* InInit<ZnInit::tesseraUiZnmodule>::getType();
 
 namespace {
 

@@ -1,17 +1,6 @@
 // Instantiations of host templates that this module exports for sibling
-// modules.
-#include "tsMgInputValues.h"
-
-#include <base/cbDispatcher.h>
-#include <base/cbEmptyType.h>
-#include <base/evEvent.h>
-#include <base/iterator.h>
-#include <base/iteratorEmpty.h>
-#include <base/prdPredicate.h>
-#include <base/rcBasePtr.h>
-#include <base/rcShdPtr.h>
-#include <tesseraCore/tsMgTypes.h>
-#include <ui/uiNodeWidgetFactory.h>
+// modules: the only symbols it exports besides its package's getType.
+#include "tsExportedTemplates.h"
 
 #include <ostream>
 
@@ -23,8 +12,10 @@ template class CbDispatcher<const TsMgTypes::MatteParam>;
 template class CbHandler<const TsMgTypes::MatteParam>;
 
 // The value holder's counted pointers, with their dump.
-template class RCBasePtr<TsMgInputValues>;
-template class RCBasePtr<const TsMgInputValues>;
+template RCBasePtr<TsMgInputValues>::~RCBasePtr();
+template RCBasePtr<const TsMgInputValues>::~RCBasePtr();
+template void RCBasePtr<TsMgInputValues>::dump(std::ostream&) const;
+template void RCBasePtr<const TsMgInputValues>::dump(std::ostream&) const;
 template class RCShdPtr<TsMgInputValues>;
 template class RCShdPtr<const TsMgInputValues>;
 
