@@ -27,6 +27,7 @@ namespace {
 void usage(std::ostream& os) {
     os << "usage: tessera-run [SESSION] [--out DIR] [--quiet] [--max-plate-pixels N]\n"
           "                  [--frames FIRST-LAST] [--resume] [--missing refuse|hold|black]\n"
+          "                  [--module-path DIR]\n"
           "       tessera-run --render SETUP --plate FILE|demo [--background FILE|demo]\n"
           "                   [--frame N] [--out DIR] [--max-plate-pixels N]\n"
           "                   --write KIND FILE [--write KIND FILE ...]\n"
@@ -182,7 +183,10 @@ int main(int argc, char** argv) {
         const std::string a = argv[i];
         if (a == "--list-packages") {
             args.listPackages = true;
-        } else if (a == "--module-path" && i + 1 < argc) {
+        } else if (a == "--module-path") {
+            if (i + 1 >= argc) {
+                return badUsage("missing a directory after --module-path");
+            }
             modulePath += std::string(modulePath.empty() ? "" : ":") + argv[++i];
         }
     }
@@ -206,7 +210,7 @@ int main(int argc, char** argv) {
     }
     for (int i = 1; i < argc; ++i) {
         const std::string a = argv[i];
-        if (a == "--module-path" && i + 1 < argc) {
+        if (a == "--module-path") {
             ++i;
         } else if (a == "--quiet") {
             args.quiet = true;
