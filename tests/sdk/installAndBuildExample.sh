@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs this build into a fresh prefix, checks that every installed header
 # finds what it includes there, builds examples/helloModule against the
-# prefix with find_package(Tessera) alone, and has the installed tessera-run
-# load and start it beside the keyer's module.
+# prefix with find_package(Tessera) alone (and with pkg-config), and has the
+# installed tessera-run load and start it beside the keyer's module.
 #   installAndBuildExample.sh BUILD_DIR SOURCE_DIR CMAKE CXX plain|sanitized
 set -euo pipefail
 build=$1 source=$2 cmake=$3 cxx=$4 kind=$5
@@ -32,6 +32,11 @@ done < <(cd "$prefix/include/tessera" &&
 "$cmake" -S "$source/examples/helloModule" -B "$work/hello" -DCMAKE_PREFIX_PATH="$prefix" \
     -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=Release >/dev/null
 "$cmake" --build "$work/hello" >/dev/null
+
+# The same module through pkg-config, for builds without CMake.
+mkdir "$work/pc"
+"$cxx" -shared -fPIC -o "$work/pc/libhelloModule.so" "$source/examples/helloModule/helloModule.cpp" \
+    $(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs tessera)
 
 out=$(env -u TESSERA_MODULE -u TESSERA_RESOURCE_PATH \
     "$prefix/bin/tessera-run" --list-packages --module-path "$work/hello" 2>&1) || {
