@@ -163,11 +163,13 @@ TEST_F(ColourToolScene, ACtrlDragSweepsARectangle) {
     EXPECT_EQ(tool->getImgPickManip(), *tool->begin());
     auto m = move(at(3.0f, 2.0f), EvKeyboardState::CtrlMask);
     viewer.deliver(m);
-    // The rectangle is drawn while sweeping: window corners of (1, 1)-(3, 2).
+    // The rubber band is drawn while sweeping, light over dark: window
+    // corners of (1, 1)-(3, 2).
     const auto rects = viewer.paint().getItems(WsRecordingPainter::Item::Rect);
-    ASSERT_EQ(rects.size(), 1u);
-    EXPECT_FLOAT_EQ(rects[0].x0, at(1.0f, 1.0f).x);
-    EXPECT_FLOAT_EQ(rects[0].y0, at(3.0f, 2.0f).y);
+    ASSERT_EQ(rects.size(), 2u);
+    EXPECT_FLOAT_EQ(rects[1].x0, at(1.0f, 1.0f).x);
+    EXPECT_FLOAT_EQ(rects[1].y0, at(3.0f, 2.0f).y);
+    EXPECT_FLOAT_EQ(rects[0].x0, rects[1].x0 - 1.0f);
     auto r = release(at(3.0f, 2.0f), EvKeyboardState::CtrlMask);
     viewer.deliver(r);
     // Pixels (1, 1) and (2, 1).

@@ -10,17 +10,17 @@
 
 namespace {
 
-// A tool whose one bar (world units, at the world origin, 8 wide) writes the
-// amount while dragged.
+// A tool whose one bar (at the world origin, 80 window pixels wide: the
+// world's 8 at the scene's zoom) writes the amount while dragged.
 class BarTool : public MfTool {
 public:
     explicit BarTool(const RCShdPtr<PiInput>& input)
-        : bar(new MfRangeManipulator(GeRectangle<float>(0, 8, 0, 1), "bar"))
+        : bar(new MfRangeManipulator(GeRectangle<float>(0, 80, 0, 10), "bar"))
         , value(PiInputValue<double>::createTyped(input, nullptr)) {
         addManipulator(bar);
     }
     void monitorManipulation(const PiEventContext&) override {
-        value->setValue(bar->getValue() / 8.0);
+        value->setValue(bar->getValue() / 80.0);
     }
 
     RCShdPtr<MfRangeManipulator> bar;
@@ -64,11 +64,12 @@ protected:
     CbMethod<Counter, CbEmptyType> changed{&counter, &Counter::count};
 };
 
-TEST_F(ToolsetScene, TheFirstToolAppendedIsCurrent) {
-    EXPECT_EQ(handler->getCurrentTool(), "pick 1");
+TEST_F(ToolsetScene, ASetStartsOnItsLastToolAppendedThatIsNotTransient) {
+    // Never on a pick nobody asked for.
+    EXPECT_EQ(handler->getCurrentTool(), "adjust");
     // A handler that joins hears of the current tool at once.
     EXPECT_EQ(changes, 1);
-    EXPECT_EQ(handler->getCurrentMfTool(), tools["pick 1"]);
+    EXPECT_EQ(handler->getCurrentMfTool(), tools["adjust"]);
     EXPECT_EQ(handler->getToolset()->getToolNames(),
               (std::vector<std::string>{"pick 1", "pick 2", "sample", "adjust"}));
 }
@@ -108,9 +109,16 @@ TEST_F(ToolsetScene, GoingFromOneTransientToolToTheOtherKeepsTheReturnTool) {
 }
 
 TEST_F(ToolsetScene, ATransientToolWithNothingBeforeItStays) {
+    // A set of transient tools alone starts on its first.
+    auto picks =
+        rcMake<MfTransientToolToolset>(viewer, rcMake<MfToolset>(viewer), "pick 1", "pick 2");
+    viewer.handler = handler = rcMake<MfCurrentToolEventHandler>(picks);
+    handler->appendTool("pick 1", rcMake<BarTool>(amount));
+    handler->appendTool("pick 2", rcMake<BarTool>(amount));
     EXPECT_EQ(handler->getCurrentTool(), "pick 1");
     drag(1.0f, 2.0f);
     EXPECT_EQ(handler->getCurrentTool(), "pick 1");
+    EXPECT_EQ(stack().getStepCount(), 1);
 }
 
 TEST_F(ToolsetScene, AnUnknownToolChangesNothingAndIsOfferedToTheViewer) {

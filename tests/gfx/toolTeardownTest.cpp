@@ -14,12 +14,13 @@
 
 namespace {
 
-// A tool whose bar (world units, at the origin, 8 wide) writes the amount
-// when the drag ends, or throws there when told to.
+// A tool whose bar (at the origin, 80 window pixels wide: the world's 8 at
+// the scene's zoom) writes the amount when the drag ends, or throws there
+// when told to.
 class EndWritingTool : public MfTool {
 public:
     explicit EndWritingTool(const RCShdPtr<PiInput>& input)
-        : bar(new MfRangeManipulator(GeRectangle<float>(0, 8, 0, 1), "bar"))
+        : bar(new MfRangeManipulator(GeRectangle<float>(0, 80, 0, 10), "bar"))
         , value(PiInputValue<double>::createTyped(input, nullptr)) {
         addManipulator(bar);
     }

@@ -44,11 +44,11 @@ protected:
     }
 };
 
-TEST_F(DegrainStage, HoldsThePickToolsAndTheSampleToolTheFirstCurrent) {
+TEST_F(DegrainStage, HoldsThePickToolsAndTheSampleToolTheSampleToolCurrent) {
     EXPECT_EQ(toolNames(), (std::vector<std::string>{TsDgTool::getManipToolName(0),
                                                      TsDgTool::getManipToolName(1),
                                                      TsDgTool::getManipToolName(2)}));
-    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(0));
+    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
 }
 
 TEST_F(DegrainStage, TheSampleDegrainHotkeyMakesTheSampleToolCurrent) {

@@ -31,6 +31,9 @@ protected:
 
 TEST_F(DegrainPanel, TheTogglesShowTheCurrentToolFromTheStart) {
     EXPECT_EQ(controller().getToggleCount(), 2);
+    // The stage starts on its sample tool: no pick lit.
+    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));
+    useTool(TsDgTool::getManipToolName(0));
     EXPECT_EQ(toggleStates(), (std::vector<bool>{true, false}));
     EXPECT_TRUE(hotkey("Sample Degrain"));
     EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));

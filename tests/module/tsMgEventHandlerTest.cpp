@@ -31,12 +31,13 @@ protected:
     }
 };
 
-TEST_F(MatteHandler, HoldsTheStageToolsInTheirOrderTheFirstCurrent) {
+TEST_F(MatteHandler, HoldsTheStageToolsInTheirOrderTheLastCurrent) {
     const std::vector<std::string> expected{
         TsMgTool::getManipToolName(0), TsMgTool::getManipToolName(1), TsMgTool::getManipToolName(3),
         TsMgTool::getManipToolName(2)};
     EXPECT_EQ(handler().getToolset()->getToolNames(), expected);
-    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(0));
+    // Not a key-colour pick: a click would replace a key colour unasked.
+    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2));
 }
 
 TEST_F(MatteHandler, TheSampleMatteHotkeyMakesTheSampleMatteToolCurrent) {

@@ -38,7 +38,7 @@ protected:
         const GeAffineMatrix3<float>& m = stackOf(name).getBaseTransform();
         return {m.getTranslationX(), m.getTranslationY()};
     }
-    // Whether the viewer draws the stack: the bars' names are drawn.
+    // Whether the viewer draws the stack: the bars' labels are drawn.
     bool shown(const std::string& barName) { return paint().findText(barName) != nullptr; }
 };
 
@@ -46,7 +46,8 @@ TEST_F(SpillStage, HoldsThePickToolsThenTheBlendToolThenTheSpillTool) {
     EXPECT_EQ(toolNames(), (std::vector<std::string>{TsSpillBlendTool::getManipToolName(0),
                                                      TsSpillBlendTool::getManipToolName(1),
                                                      blendTool(), spillTool()}));
-    EXPECT_EQ(currentTool(), TsSpillBlendTool::getManipToolName(0));
+    // The stage starts on its own tool, appended last.
+    EXPECT_EQ(currentTool(), spillTool());
     EXPECT_NE(dynamic_cast<Zn::TsSpillBlendMfTool*>(&tool(spillTool())), nullptr);
     EXPECT_EQ(tool(spillTool()).getUndoString(), catalogueText("MSG_TS_SET_SPILL"));
     EXPECT_EQ(tool(blendTool()).getUndoString(), catalogueText("MSG_TS_SET_BLEND"));
@@ -112,19 +113,19 @@ TEST_F(SpillStage, TheSecondBarDragsTheSecondInput) {
 TEST_F(SpillStage, AClickShowsTheStackThereAndAFreeClickHidesItWithoutMovingIt) {
     useTool(spillTool());
     paint();
-    EXPECT_FALSE(shown("spill amount"));
+    EXPECT_FALSE(shown("Spill Amount"));
     click(P);
-    EXPECT_TRUE(shown("spill amount"));
-    EXPECT_TRUE(shown("spill range"));
+    EXPECT_TRUE(shown("Spill Amount"));
+    EXPECT_TRUE(shown("Spill Range"));
     EXPECT_EQ(stackOrigin(spillTool()), P);
     EXPECT_EQ(stack().getStepCount(), 0); // a grasp alone changes nothing
 
     const GePoint2<float> away{600.0f, 400.0f};
     click(away);
-    EXPECT_FALSE(shown("spill amount"));
+    EXPECT_FALSE(shown("Spill Amount"));
     EXPECT_EQ(stackOrigin(spillTool()), P);
     click(away);
-    EXPECT_TRUE(shown("spill amount"));
+    EXPECT_TRUE(shown("Spill Amount"));
     EXPECT_EQ(stackOrigin(spillTool()), away);
 }
 
@@ -133,21 +134,21 @@ TEST_F(SpillStage, ACtrlMoveMovesTheShownStackAndEscapeOrFocusLossHideIt) {
     click(P);
     moveTo(offset(P, 50.0f, 20.0f), Ctrl);
     EXPECT_EQ(stackOrigin(spillTool()), offset(P, 50.0f, 20.0f));
-    EXPECT_TRUE(shown("spill amount"));
+    EXPECT_TRUE(shown("Spill Amount"));
     moveTo(offset(P, 80.0f, 20.0f)); // a plain move leaves it
     EXPECT_EQ(stackOrigin(spillTool()), offset(P, 50.0f, 20.0f));
 
     // Escape with the pointer off the bars (over a bar, the bar's feedback
     // takes the key first).
     moveTo(offset(P, 50.0f, 300.0f));
-    EXPECT_TRUE(shown("spill amount"));
+    EXPECT_TRUE(shown("Spill Amount"));
     pressKey(Qt::Key_Escape);
-    EXPECT_FALSE(shown("spill amount"));
+    EXPECT_FALSE(shown("Spill Amount"));
     moveTo(offset(P, 10.0f, 10.0f), Ctrl); // shows it again, there
-    EXPECT_TRUE(shown("spill amount"));
+    EXPECT_TRUE(shown("Spill Amount"));
     EXPECT_EQ(stackOrigin(spillTool()), offset(P, 10.0f, 10.0f));
     loseFocus();
-    EXPECT_FALSE(shown("spill amount"));
+    EXPECT_FALSE(shown("Spill Amount"));
 }
 
 TEST_F(SpillStage, ADragDoesNotEchoIntoItsOwnBar) {
@@ -167,15 +168,15 @@ TEST_F(SpillStage, ADragDoesNotEchoIntoItsOwnBar) {
 TEST_F(SpillStage, ABarToolMadeCurrentStartsHidden) {
     useTool(blendTool());
     click(P);
-    EXPECT_TRUE(shown("blend amount"));
+    EXPECT_TRUE(shown("Blend Amount"));
     EXPECT_TRUE(hotkey("Adjust Spill"));
-    EXPECT_FALSE(shown("spill amount"));
-    EXPECT_FALSE(shown("blend amount"));
+    EXPECT_FALSE(shown("Spill Amount"));
+    EXPECT_FALSE(shown("Blend Amount"));
     click(offset(P, 30.0f, 0.0f));
-    EXPECT_TRUE(shown("spill amount"));
+    EXPECT_TRUE(shown("Spill Amount"));
     // Back to the blend tool: hidden again, until clicked.
     EXPECT_TRUE(hotkey("Adjust Blend"));
-    EXPECT_FALSE(shown("blend amount"));
+    EXPECT_FALSE(shown("Blend Amount"));
 }
 
 TEST_F(SpillStage, ALockedInputKeepsItsValueAndTheStepIsDropped) {

@@ -41,7 +41,7 @@ protected:
 };
 
 TEST_F(SpillBlendPanel, TheMenuAndTheTogglesFollowTheCurrentTool) {
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{true, false}));
+    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));
     const int first = menu()->getSelection();
 
     EXPECT_TRUE(hotkey("Adjust Blend"));
@@ -67,7 +67,7 @@ TEST_F(SpillBlendPanel, TheMenuMakesItsToolCurrent) {
 
 TEST_F(SpillBlendPanel, TheMenuBringsTheViewerToTheSpillStageFromAnother) {
     ASSERT_TRUE(viewer->setStage("matte"));
-    ASSERT_EQ(currentTool(), TsMgTool::getManipToolName(0));
+    ASSERT_EQ(currentTool(), TsMgTool::getManipToolName(2));
     menu()->choose(1);
     EXPECT_EQ(viewer->getStage(), "spill");
     EXPECT_EQ(currentTool(), TsSpillBlendTool::getManipToolName(3));

@@ -121,6 +121,9 @@ public:
     CoRgbaColorTyped<float> getDrawColour() const;
 
 protected:
+    // For slider bars: this manipulator's tree is laid out in window pixels.
+    void holdsScreenControl();
+
     // Draws this manipulator alone; the default draws nothing.
     virtual void drawSelf(const VwView& view, const GeAffineMatrix3<float>& localToWindow) const;
 
@@ -133,6 +136,7 @@ private:
     GeAffineMatrix3<float> _base;
     GeAffineMatrix3<float> _appearance;
     int _scaling = 0;
+    bool _screenControl = false; // the tree holds a slider bar
     std::vector<PrdPredicate<EvEvent>> _grasp;
     PrdPredicate<EvEvent> _feedback;
     RCShdPtr<WsCursor> _cursor;

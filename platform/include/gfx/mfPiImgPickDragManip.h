@@ -4,7 +4,8 @@
 
 // Picks the rectangle swept by a drag with Ctrl held (its grasp predicates: a
 // left press, Ctrl held). A Ctrl-click that sweeps no pixel centre picks the
-// pixel under the pointer. Draws the rectangle while dragging.
+// pixel under the pointer. Draws the rectangle while dragging (a rubber
+// band: light over dark).
 class MfPiImgPickDragManip : public MfPiImgPickManip {
 public:
     explicit MfPiImgPickDragManip(PiImgPick& imgPick);

@@ -12,7 +12,9 @@
 // setValue takes any value as it is; the bar draws the handle clamped.
 //
 // Drawn as the bar's outline, the handle (a filled band at the value, the
-// bar's height) and the name, left-aligned inside the bar.
+// bar's height) and the name, left-aligned inside the bar, each of its words
+// capitalised as the panels write their fields. A bar is a control on the
+// screen: see MfManipulator for its tree's frame.
 class MfRangeManipulator : public MfManipulator {
 public:
     // Starts at the middle of the extent.

@@ -9,6 +9,13 @@
 // key-colour pick tools: pick once, then carry on with what you were doing.)
 // A transient tool made current when no other tool was stays current.
 //
+// A set never starts on a transient tool: until a tool is chosen, the
+// current tool is the last tool appended that is not transient. (A handler
+// appends the tools every stage shares, the key-colour picks, first and its
+// stage's own tools after them, its main tool last; a click in a stage just
+// shown then does what that stage's menus show, and never replaces a key
+// colour unasked.)
+//
 // Every other operation is the wrapped set's; its tool changes are announced
 // to this set's callbacks.
 class MfTransientToolToolset : public MfToolset {
@@ -38,5 +45,6 @@ private:
     RCShdPtr<MfToolset> _inner;
     std::string _transient[2];
     std::string _previous;
+    bool _chosen = false;
     CbMethod<MfTransientToolToolset, CbEmptyType> _forward;
 };

@@ -21,6 +21,15 @@ void MfManipulator::addManipulator(const RCShdPtr<MfManipulator>& child) {
     }
     c._parent = this;
     _children.push_back(child);
+    if (c._screenControl) {
+        holdsScreenControl();
+    }
+}
+
+void MfManipulator::holdsScreenControl() {
+    for (MfManipulator* m = this; m; m = m->_parent) {
+        m->_screenControl = true;
+    }
 }
 
 const RCShdPtr<MfManipulator>& MfManipulator::getChild(int index) const {
@@ -41,7 +50,7 @@ GeAffineMatrix3<float> MfManipulator::getLocalToWindow(const VwView& view) const
     const GeAffineMatrix3<float> parent =
         _parent ? _parent->getLocalToWindow(view) : view.getWorldToWindow();
     const GeAffineMatrix3<float> own = _base * _appearance;
-    if (_scaling == 0) {
+    if (_scaling == 0 && !(_screenControl && !_parent)) {
         return parent * own;
     }
     // Window pixels, y up, with the origin where the parent puts it.

@@ -35,8 +35,14 @@ void MfPiImgPickDragManip::collect(List<CoRgbaColorTyped<float>>& colours) const
 }
 
 void MfPiImgPickDragManip::drawSelf(const VwView& view, const GeAffineMatrix3<float>&) const {
-    if (isManipulating()) {
-        view.getPainter()->drawRect(VwUtils::worldToWindowOrtho(view, getRectangle()),
-                                    getDrawColour());
+    if (!isManipulating()) {
+        return;
     }
+    // The rubber band: a dark line around a light one, so that it shows over
+    // a screen of any colour.
+    const GeRectangle<float> band = VwUtils::worldToWindowOrtho(view, getRectangle());
+    const GeRectangle<float> outer(band.getXMin() - 1.0f, band.getXMax() + 1.0f,
+                                   band.getYMin() - 1.0f, band.getYMax() + 1.0f);
+    view.getPainter()->drawRect(outer, {0.0f, 0.0f, 0.0f, 0.6f});
+    view.getPainter()->drawRect(band, getDrawColour());
 }

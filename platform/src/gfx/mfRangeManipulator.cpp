@@ -7,11 +7,31 @@
 #include <pluginAPI/piViewer.h>
 
 #include <algorithm>
+#include <cctype>
+
+namespace {
+
+// A bar's label as the panels write their fields: each word capitalised
+// ("spill amount" shows as "Spill Amount").
+std::string titleCase(std::string text) {
+    bool start = true;
+    for (char& c : text) {
+        if (start) {
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        }
+        start = c == ' ';
+    }
+    return text;
+}
+
+} // namespace
 
 MfRangeManipulator::MfRangeManipulator(const GeRectangle<float>& rect, const std::string& name)
     : _rect(rect)
     , _name(name)
-    , _value(0.5f * (rect.getXMin() + rect.getXMax())) {}
+    , _value(0.5f * (rect.getXMin() + rect.getXMax())) {
+    holdsScreenControl();
+}
 
 bool MfRangeManipulator::hitTest(const VwView& view, const GePoint2<float>& window) const {
     const GeRectangle<float> r = MfRectAppearance::toWindow(getLocalToWindow(view), _rect);
@@ -47,9 +67,9 @@ void MfRangeManipulator::drawSelf(const VwView& view,
     painter.fillRect(MfRectAppearance::toWindow(localToWindow, handle), colour);
 
     if (!_name.empty()) {
-        // Left-aligned, a few pixels in, vertically centred on a 10 pixel
-        // high text.
+        // Left-aligned, a few pixels in, vertically centred on the viewer's
+        // overlay text (12 pixels).
         painter.drawText({bar.getXMin() + 4.0f, 0.5f * (bar.getYMin() + bar.getYMax()) + 5.0f},
-                         _name, colour);
+                         titleCase(_name), colour);
     }
 }

@@ -14,6 +14,9 @@ MfTransientToolToolset::~MfTransientToolToolset() = default;
 
 void MfTransientToolToolset::appendTool(const std::string& name, const RCShdPtr<MfTool>& tool) {
     _inner->appendTool(name, tool);
+    if (!_chosen && !isTransient(name)) {
+        _inner->setCurrentTool(name);
+    }
 }
 
 bool MfTransientToolToolset::setCurrentTool(const std::string& name) {
@@ -21,6 +24,7 @@ bool MfTransientToolToolset::setCurrentTool(const std::string& name) {
     if (!_inner->getTool(name)) {
         return false;
     }
+    _chosen = true;
     if (!isTransient(name)) {
         _previous.clear();
     } else if (!before.empty() && !isTransient(before)) {
