@@ -52,6 +52,14 @@ void HistoryCommands::add(SessionInterpreter& interpreter) {
             throw SessionArgs::Error(error);
         }
     });
+    in.addCommand("open", [&in, &s](SessionArgs& a) {
+        const std::string path = in.inputPath(a.word("setup file"));
+        a.end();
+        std::string error;
+        if (!s.openSetup(path, error)) {
+            throw SessionArgs::Error(error);
+        }
+    });
 
     probe.addQuery(
         "undo",
@@ -79,6 +87,8 @@ void HistoryCommands::add(SessionInterpreter& interpreter) {
             }
             return lines;
         });
+    probe.addQuery("modified",
+                   [&s](SessionArgs&) { return std::string(s.isModified() ? "true" : "false"); });
     probe.addQuery("redo", [&s](SessionArgs& args) {
         const PiCommandStack& stack = s.getCommandStack();
         if (args.take("count")) {

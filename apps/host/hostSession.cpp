@@ -29,6 +29,8 @@
 #include <QRect>
 
 #include <algorithm>
+#include <fstream>
+#include <sstream>
 
 namespace {
 
@@ -300,16 +302,43 @@ int HostSession::redo(int steps) {
 // --- setups
 
 bool HostSession::saveSetup(const std::string& path, std::string& error) const {
-    return _scene->saveSetup(path, error);
+    if (!_scene->saveSetup(path, error)) {
+        return false;
+    }
+    getCommandStack().setClean();
+    return true;
 }
 
 bool HostSession::loadSetup(const std::string& path, std::string& error) {
     if (!_scene->loadSetup(path, error)) {
         return false;
     }
+    getCommandStack().setClean();
     followKeyer();
     settle();
     return true;
+}
+
+bool HostSession::openSetup(const std::string& path, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    const int generation = in ? TsSetup::getGeneration(text.str()) : -1;
+    if (generation < 0) {
+        error =
+            "cannot open \"" + path + "\": " + (in ? "it is not a keyer setup" : "no such file");
+        return false;
+    }
+    makeKeyer(generation == 2 ? 2 : 1, 1);
+    if (!loadSetup(path, error)) {
+        return false;
+    }
+    getCommandStack().clear();
+    return true;
+}
+
+bool HostSession::isModified() const {
+    return !getCommandStack().isClean();
 }
 
 // --- plates

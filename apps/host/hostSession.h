@@ -99,9 +99,17 @@ public:
     int undo(int steps = 1);
     int redo(int steps = 1);
 
-    // --- setups of the whole group; false and `error` on failure (reported)
+    // --- setups of the whole group; false and `error` on failure (reported).
+    // The setup saved or loaded is the one the history is clean at.
     bool saveSetup(const std::string& path, std::string& error) const;
     bool loadSetup(const std::string& path, std::string& error);
+    // A setup opened on its own: the keyer becomes a new group of the
+    // setup's generation with no history, loaded from it. A file that is no
+    // setup changes nothing.
+    bool openSetup(const std::string& path, std::string& error);
+    // The setup changed since it was last saved or loaded (or the keyer made):
+    // the history is not at its clean step.
+    bool isModified() const;
 
     // --- the plate and the background (null for none)
     // A plate that is a sequence brings the frame into its range.

@@ -8,6 +8,7 @@
 #include "overlayQueries.h"
 #include "pointerCommands.h"
 #include "sessionArgs.h"
+#include "viewerAidCommands.h"
 #include "viewerCommands.h"
 
 #include <base/exReporter.h>
@@ -166,6 +167,7 @@ void SessionInterpreter::execute(const SessionScript::Line& line, const std::str
 
 void SessionInterpreter::addCommands() {
     ViewerCommands::add(*this);
+    ViewerAidCommands::add(*this);
     PointerCommands::add(*this);
     NodeCommands::add(*this);
     InputCommands::add(*this);

@@ -32,9 +32,9 @@ class SessionArgs;
 // directory (the script's own), or the output directory when the file is not
 // there but the session wrote it; those of files written from the output
 // directory. The commands come in tables by topic (viewerCommands,
-// pointerCommands, nodeCommands, inputCommands, historyCommands, colourCommands,
-// overlayQueries), which the interpreter adds; those of other parts of the
-// host (imageCommands, widgetCommands) join through addCommand.
+// viewerAidCommands, pointerCommands, nodeCommands, inputCommands,
+// historyCommands, colourCommands, overlayQueries), which the interpreter
+// adds; those of other parts of the host (imageCommands, widgetCommands) join through addCommand.
 class SessionInterpreter {
 public:
     using Command = std::function<void(SessionArgs&)>;

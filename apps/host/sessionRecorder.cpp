@@ -146,6 +146,14 @@ void SessionRecorder::addLine(const std::string& line) {
     record(line);
 }
 
+void SessionRecorder::restore(const std::vector<std::string>& lines) {
+    _lines = lines;
+    _pendingMove.clear();
+    _keyDown.clear();
+    _width = -1;
+    _height = -1;
+}
+
 std::vector<std::string> SessionRecorder::getLines() const {
     std::vector<std::string> lines = _lines;
     if (!_pendingMove.empty()) {

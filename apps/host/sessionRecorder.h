@@ -55,6 +55,9 @@ public:
 
     // A line the host carried out.
     void addLine(const std::string& line);
+    // The recording becomes these lines (a session recovered, which goes on
+    // from there); the view is written again before the next event.
+    void restore(const std::vector<std::string>& lines);
     // The lines so far (a move kept back included).
     std::vector<std::string> getLines() const;
     // The script: a comment, then the lines.

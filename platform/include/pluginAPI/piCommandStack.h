@@ -82,6 +82,15 @@ public:
     LiString getRedoName() const;
     // How many inputs the step at `index` (0 the oldest) records.
     int getRecordCount(int index) const;
+    // What the step at `index` did to inputs, in the order it first changed
+    // them: each input with its state before and after the step. (Changes of
+    // the structure are not listed; empty for an index out of range.)
+    struct InputChange {
+        RCShdPtr<PiInput> input;
+        PiInputState before;
+        PiInputState after;
+    };
+    std::vector<InputChange> getStepChanges(int index) const;
 
     // The clean index: the undo count at which the graph matched its saved
     // file (0 for a new graph); -1 once that state was discarded.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <base/cbDispatcher.h>
+#include <base/cbEmptyType.h>
 #include <base/rcShdPtr.h>
 #include <base/vwView.h>
 #include <gfx/wsRecordingPainter.h>
@@ -10,6 +12,9 @@
 #include <pluginAPI/piViewer.h>
 #include <pluginAPI/tmTimeClient.h>
 #include <ui/uiGrabHandler.h>
+#include <ui/uiPixelReadout.h>
+#include <ui/uiViewerDisplay.h>
+#include <ui/uiViewerWipe.h>
 #include <ui/uiWidget.h>
 #include <ui/vpDrawArea.h>
 
@@ -37,7 +42,17 @@
 // coordinates; hotkeys arrive through the widget's handler and go to the
 // handler too. What the handler leaves unused drives the view: the middle
 // button pans (it is never offered to the handler), the wheel zooms about the
-// pointer, Home fits the image.
+// pointer, and the viewer's own keys (UiViewerKeys: fit, 1:1, the wipe, the
+// channels) do what they name. The left button near the wipe's line drags
+// the line and is not offered to the handler either.
+//
+// Keys follow the pointer, as in every compositing application: the viewer
+// takes the keyboard focus when the pointer comes over it, unless the focus
+// is in a text field the user is typing into (its text changed and not yet
+// committed), so that a hotkey pressed over the viewer reaches the viewer.
+//
+// The view is fitted to the image when a node or a plate is shown, and stays
+// fitted as the viewer is resized until the user zooms or pans.
 //
 // Containment. Every call into the handler (events, drawing, the creation
 // of a stage's handler) is contained: an exception is reported, the undo step
@@ -110,6 +125,39 @@ public:
     VwView& getMutableView() { return _view; }
     // Fits the image into the viewer, with a margin of 16 pixels.
     void fitImage();
+    // The view is the fit of the image (and follows the viewer's size).
+    bool isFitted() const;
+    // Zooms to `zoom` window pixels per plate pixel, keeping the plate point
+    // under the window point where it is.
+    void zoomTo(float zoom, const GePoint2<float>& about);
+    // 1:1 about the pointer when it is over the viewer, else the centre.
+    void zoomToActualPixels();
+
+    // --- display aids (see UiViewerDisplay, UiViewerWipe)
+    const UiViewerDisplay& getDisplay() const { return _display; }
+    void setChannel(UiViewerDisplay::Channel channel);
+    void setBackdrop(UiViewerDisplay::Backdrop backdrop,
+                     const CoRgbaColorTyped<float>& colour = {0.0f, 0.0f, 0.0f, 1.0f});
+    const UiViewerWipe& getWipe() const { return _wipe; }
+    // False (reported) for a compare view the node does not offer.
+    bool setWipe(bool on, float x, const std::string& view = "source");
+    // Where the line goes when the wipe is turned on without a place: where
+    // it was, or the middle of the image when that is not over the image.
+    float getWipeStart() const;
+    // The image of the wipe's compare view now; empty while the wipe is off.
+    PiImagePtr getWipeImage() const;
+
+    // What lies under a window point: the plate pixel, its RGBA and the
+    // matte's value. The matte is read from a full-resolution render, not
+    // while the handler manipulates (a drag would render it at every move).
+    UiPixelReadout readPixel(const GePoint2<float>& window);
+    // Whether the pointer is over the viewer now, and where (window).
+    bool isPointerOver() const { return _pointerOver; }
+
+    // Handlers called after every paint and every pointer move over the
+    // viewer (what shows zoom, pointer and readout follows them).
+    void addChangedCb(CbHandler<CbEmptyType>* handler) { _changed.addHandler(handler); }
+    void removeChangedCb(CbHandler<CbEmptyType>* handler) { _changed.removeHandler(handler); }
 
     // --- drawing
     // The handler's drawing as the viewer would paint it now.
@@ -152,6 +200,8 @@ protected:
     void keyReleaseEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
 
 private:
     // Installs the handler; the current handler's listeners hear of it when
@@ -162,7 +212,18 @@ private:
     bool pointerEvent(QMouseEvent* event);
     void record();
     void updateCursor();
-    const QImage& displayImage();
+    void takeFocusFromPointer();
+    bool viewerKey(QKeyEvent* event);
+    void paintImage(QPainter& painter, const QImage& image, const GeRectangle<float>& extent);
+    void paintWipe(QPainter& painter, const GeRectangle<float>& extent);
+    void notifyChanged();
+    // The image converted for display, kept while the image and the display
+    // stay the same.
+    struct Shown {
+        PiImagePtr image;
+        QImage converted;
+    };
+    const QImage& displayImage(Shown& shown, const PiImagePtr& image);
     PiImagePtr getPlate() const;
 
     class PressGrab : public UiGrabHandler {
@@ -183,17 +244,23 @@ private:
     VwView _view;
     std::unique_ptr<PiViewRenderer> _renderer;
     std::string _viewMode;
-    const PiDisplayTransform* _display = nullptr;
+    const PiDisplayTransform* _transform = nullptr;
     bool _interactive = false;
     WsRecordingPainter _displayList;
     GePoint2<float> _pointer;
     bool _panning = false;
     QPointF _panFrom;
     bool _fitted = false;
+    VwView _fit; // the view the last fit left
     bool _offering = false;
     int _redraws = 0;
-    // The image last converted for display, and what it was converted from.
-    PiImagePtr _shown;
-    QImage _shownImage;
+    Shown _shown;
+    UiViewerDisplay _display;
+    UiViewerWipe _wipe;
+    std::unique_ptr<PiViewRenderer> _wipeRenderer;
+    Shown _wipeShown;
+    std::unique_ptr<PiViewRenderer> _matteRenderer;
+    bool _pointerOver = false;
+    CbDispatcher<CbEmptyType> _changed;
     PressGrab _pressGrab{*this};
 };

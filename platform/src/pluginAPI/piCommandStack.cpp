@@ -124,6 +124,19 @@ int PiCommandStack::getRecordCount(int index) const {
     return static_cast<int>(_steps[static_cast<std::size_t>(index)].records.size());
 }
 
+std::vector<PiCommandStack::InputChange> PiCommandStack::getStepChanges(int index) const {
+    std::vector<InputChange> changes;
+    if (index < 0 || index >= getStepCount()) {
+        return changes;
+    }
+    for (const Record& r : _steps[static_cast<std::size_t>(index)].records) {
+        if (r.input) {
+            changes.push_back({r.input, r.before, r.after});
+        }
+    }
+    return changes;
+}
+
 void PiCommandStack::closeOpenStep() {
     if (_open) {
         close();

@@ -3,6 +3,7 @@
 #include <ui/uiGrab.h>
 #include <ui/uiQtEvents.h>
 #include <ui/uiViewer.h>
+#include <ui/uiViewerKeys.h>
 
 #include <base/exReporter.h>
 #include <base/vwUtils.h>
@@ -17,8 +18,12 @@
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piViewerStageInterface.h>
 
+#include <QAbstractSpinBox>
+#include <QApplication>
+#include <QComboBox>
 #include <QFocusEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -32,6 +37,8 @@ const GePoint2<float> toPoint(const QPointF& p) {
     return {static_cast<float>(p.x()), static_cast<float>(p.y())};
 }
 
+constexpr int OverlayTextSize = 12;
+
 QColor toQColor(const CoRgbaColorTyped<float>& c) {
     return QColor::fromRgbF(std::clamp(c.r, 0.0f, 1.0f), std::clamp(c.g, 0.0f, 1.0f),
                             std::clamp(c.b, 0.0f, 1.0f), std::clamp(c.a, 0.0f, 1.0f));
@@ -41,16 +48,23 @@ QRectF toQRect(const WsRecordingPainter::Item& item) {
     return QRectF(QPointF(item.x0, item.y0), QPointF(item.x1, item.y1));
 }
 
-unsigned char toByte(float v) {
-    return static_cast<unsigned char>(std::lround(std::clamp(v, 0.0f, 1.0f) * 255.0f));
-}
-
 PiViewRenderInterface* viewsOf(const RCShdPtr<PiNode>& node) {
     return node ? dynamic_cast<PiViewRenderInterface*>(node->getController().get()) : nullptr;
 }
 
 PiViewerStageInterface* stagesOf(const RCShdPtr<PiNode>& node) {
     return node ? dynamic_cast<PiViewerStageInterface*>(node->getController().get()) : nullptr;
+}
+
+// A text field the user is typing into: its text changed and is not
+// committed yet.
+bool isTyping(const QWidget* focus) {
+    const QLineEdit* edit = qobject_cast<const QLineEdit*>(focus);
+    if (!edit && focus &&
+        (qobject_cast<const QAbstractSpinBox*>(focus) || qobject_cast<const QComboBox*>(focus))) {
+        edit = focus->findChild<const QLineEdit*>();
+    }
+    return edit && edit->isModified();
 }
 
 } // namespace
@@ -86,8 +100,11 @@ void UiViewer::setNode(const RCShdPtr<PiNode>& node) {
     releaseHandler();
     _node = node;
     _path = node ? rcMake<PiPath>(node) : RCShdPtr<PiPath>();
-    _shown.reset();
+    _shown = Shown();
+    _wipeShown = Shown();
     _renderer.reset();
+    _wipeRenderer.reset();
+    _matteRenderer.reset();
     if (PiViewRenderInterface* views = viewsOf(node)) {
         exContain("viewer " + getName() + ": the node's views", [&] {
             const std::vector<std::string> names = views->getViews();
@@ -95,6 +112,12 @@ void UiViewer::setNode(const RCShdPtr<PiNode>& node) {
                 _viewMode = views->getDefaultView();
             }
             _renderer = views->createViewRenderer();
+            // The wipe's compare view and the readout's matte have renderers
+            // of their own: each keeps the one view it renders.
+            _wipeRenderer = views->createViewRenderer();
+            if (std::find(names.begin(), names.end(), "matte") != names.end()) {
+                _matteRenderer = views->createViewRenderer();
+            }
         });
     }
     _fitted = false;
@@ -198,9 +221,93 @@ bool UiViewer::setViewMode(const std::string& view) {
 }
 
 void UiViewer::setDisplayTransform(const PiDisplayTransform* transform) {
-    _display = transform;
-    _shown.reset();
+    _transform = transform;
+    _shown = Shown();
+    _wipeShown = Shown();
     redraw();
+}
+
+void UiViewer::setChannel(UiViewerDisplay::Channel channel) {
+    if (channel != _display.getChannel()) {
+        _display.setChannel(channel);
+        _shown = Shown();
+        _wipeShown = Shown();
+        redraw();
+    }
+}
+
+void UiViewer::setBackdrop(UiViewerDisplay::Backdrop backdrop,
+                           const CoRgbaColorTyped<float>& colour) {
+    _display.setBackdrop(backdrop, colour);
+    redraw();
+}
+
+bool UiViewer::setWipe(bool on, float x, const std::string& view) {
+    const std::vector<std::string> names = getViews();
+    if (on && _node && std::find(names.begin(), names.end(), view) == names.end()) {
+        ExReporter::getInstance().report("viewer " + getName(),
+                                         "the node shown has no view \"" + view + "\" to compare");
+        return false;
+    }
+    _wipe.set(on, x, view);
+    _wipeShown = Shown();
+    redraw();
+    return true;
+}
+
+float UiViewer::getWipeStart() const {
+    const GeRectangle<float> extent = getImageExtent();
+    const float x = _wipe.getX();
+    return x > extent.getXMin() && x < extent.getXMax()
+               ? x
+               : 0.5f * (extent.getXMin() + extent.getXMax());
+}
+
+PiImagePtr UiViewer::getWipeImage() const {
+    if (!_wipe.isOn() || !_wipeRenderer) {
+        return PiImagePtr();
+    }
+    bool manipulating = false;
+    if (const RCShdPtr<PiEventHandler> handler = _handler) {
+        exContain("viewer " + getName() + ": the handler's state",
+                  [&] { manipulating = handler->isManipulating(); });
+    }
+    PiImagePtr image;
+    exContain("viewer " + getName() + ": rendering view \"" + _wipe.getView() + "\"", [&] {
+        image = _wipeRenderer->render(_wipe.getView(), _time.getTime(),
+                                      manipulating ? std::max(width(), 1) : 0);
+    });
+    return image;
+}
+
+UiPixelReadout UiViewer::readPixel(const GePoint2<float>& window) {
+    UiPixelReadout readout;
+    const PiImagePtr plate = getPlate();
+    const GePoint2<float> world = VwUtils::windowToWorldOrtho(_view, window);
+    const int i = static_cast<int>(std::floor(world.x));
+    const int j = static_cast<int>(std::floor(world.y));
+    if (!plate || !plate->contains(i, j)) {
+        return readout;
+    }
+    readout.overImage = true;
+    readout.x = i;
+    readout.y = j;
+    readout.rgba = plate->getPixel(i, j);
+    bool manipulating = false;
+    if (const RCShdPtr<PiEventHandler> handler = _handler) {
+        exContain("viewer " + getName() + ": the handler's state",
+                  [&] { manipulating = handler->isManipulating(); });
+    }
+    if (_matteRenderer && !manipulating) {
+        PiImagePtr matte;
+        exContain("viewer " + getName() + ": rendering the matte",
+                  [&] { matte = _matteRenderer->render("matte", _time.getTime(), 0); });
+        if (matte && matte->contains(i, j)) {
+            readout.hasMatte = true;
+            readout.matte = matte->getPixel(i, j).r;
+        }
+    }
+    return readout;
 }
 
 PiImagePtr UiViewer::getImage() const {
@@ -265,7 +372,27 @@ void UiViewer::fitImage() {
     _view.setViewportSize(width(), height());
     _view.fit(extent, 16.0f);
     _fitted = true;
+    _fit = _view;
     redraw();
+}
+
+bool UiViewer::isFitted() const {
+    return _fitted && _view.getZoom() == _fit.getZoom() && _view.getPan() == _fit.getPan();
+}
+
+void UiViewer::zoomTo(float zoom, const GePoint2<float>& about) {
+    if (!(zoom > 0.0f) || !(_view.getZoom() > 0.0f)) {
+        return;
+    }
+    _view.zoomAbout(about, zoom / _view.getZoom());
+    _fitted = true;
+    redraw();
+}
+
+void UiViewer::zoomToActualPixels() {
+    const GePoint2<float> centre{0.5f * static_cast<float>(width()),
+                                 0.5f * static_cast<float>(height())};
+    zoomTo(1.0f, _pointerOver ? _pointer : centre);
 }
 
 void UiViewer::redraw() {
@@ -352,51 +479,66 @@ const WsRecordingPainter& UiViewer::getDisplayList() {
     return _displayList;
 }
 
-const QImage& UiViewer::displayImage() {
-    const PiImagePtr image = getImage();
-    if (image.get() == _shown.get()) {
-        return _shownImage;
+const QImage& UiViewer::displayImage(Shown& shown, const PiImagePtr& image) {
+    if (image.get() == shown.image.get()) {
+        return shown.converted;
     }
-    _shown = image;
-    _shownImage = QImage();
-    if (!image || image->isEmpty()) {
-        return _shownImage;
+    shown.image = image;
+    shown.converted = image && !image->isEmpty() ? _display.convert(*image, _transform) : QImage();
+    return shown.converted;
+}
+
+void UiViewer::paintImage(QPainter& painter, const QImage& image,
+                          const GeRectangle<float>& extent) {
+    const GeRectangle<float> r = VwUtils::worldToWindowOrtho(_view, extent);
+    const QRectF target(r.getXMin(), r.getYMin(), r.getWidth(), r.getHeight());
+    _display.paintBackdrop(painter, target);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, _view.getZoom() < 1.0f);
+    painter.drawImage(target, image);
+}
+
+void UiViewer::paintWipe(QPainter& painter, const GeRectangle<float>& extent) {
+    const QImage& image = displayImage(_wipeShown, getWipeImage());
+    const float x = _wipe.windowX(_view);
+    if (!image.isNull()) {
+        painter.save();
+        painter.setClipRect(QRectF(0.0, 0.0, std::max(0.0f, x), height()));
+        paintImage(painter, image, extent);
+        painter.restore();
     }
-    const int w = image->getWidth();
-    const int h = image->getHeight();
-    _shownImage = QImage(w, h, QImage::Format_RGBA8888);
-    if (_display) {
-        _display->applyImage(*image, _shownImage.bits(),
-                             static_cast<std::size_t>(_shownImage.bytesPerLine()));
-        return _shownImage;
-    }
-    for (int j = 0; j < h; ++j) {
-        // Rows are stored bottom up; the window's go top down.
-        const float* src = image->row(j);
-        uchar* dst = _shownImage.scanLine(h - 1 - j);
-        for (int i = 0; i < 4 * w; ++i) {
-            dst[i] = toByte(src[i]);
-        }
-    }
-    return _shownImage;
+    // The line, light over dark so that it shows on any image, with a grip
+    // halfway down.
+    painter.setPen(QPen(QColor(0, 0, 0, 160), 3.0));
+    painter.drawLine(QPointF(x, 0.0), QPointF(x, height()));
+    painter.setPen(QPen(QColor(240, 240, 240), 1.0));
+    painter.drawLine(QPointF(x, 0.0), QPointF(x, height()));
+    painter.setBrush(QColor(240, 240, 240));
+    painter.drawEllipse(QPointF(x, 0.5 * height()), 4.0, 4.0);
+    painter.setBrush(Qt::NoBrush);
 }
 
 void UiViewer::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), QColor(38, 38, 40));
-    const QImage& image = displayImage();
+    const QImage& image = displayImage(_shown, getImage());
+    GeRectangle<float> extent = getImageExtent();
     if (!image.isNull()) {
-        GeRectangle<float> extent = getImageExtent();
         if (!(extent.getWidth() > 0.0f)) {
             extent = GeRectangle<float>(0.0f, static_cast<float>(image.width()), 0.0f,
                                         static_cast<float>(image.height()));
         }
-        const GeRectangle<float> r = VwUtils::worldToWindowOrtho(_view, extent);
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, _view.getZoom() < 1.0f);
-        painter.drawImage(QRectF(r.getXMin(), r.getYMin(), r.getWidth(), r.getHeight()), image);
+        paintImage(painter, image, extent);
+    }
+    if (_wipe.isOn()) {
+        paintWipe(painter, extent);
     }
     record();
     painter.setRenderHint(QPainter::Antialiasing, false);
+    // Overlay texts (the bars' names) at one size in logical pixels, which
+    // the window system scales on a high-density screen.
+    QFont overlay = font();
+    overlay.setPixelSize(OverlayTextSize);
+    painter.setFont(overlay);
     for (const WsRecordingPainter::Item& item : _displayList.getItems()) {
         const QColor colour = toQColor(item.colour);
         switch (item.kind) {
@@ -418,18 +560,23 @@ void UiViewer::paintEvent(QPaintEvent*) {
             break;
         }
     }
+    painter.end();
+    notifyChanged();
 }
 
 void UiViewer::resizeEvent(QResizeEvent* event) {
+    // A view the user has not navigated follows the viewer's size.
+    const bool fitted = !_fitted || isFitted();
     QWidget::resizeEvent(event);
     _view.setViewportSize(width(), height());
-    if (!_fitted) {
+    if (fitted) {
         fitImage();
     }
 }
 
 bool UiViewer::pointerEvent(QMouseEvent* event) {
     _pointer = toPoint(event->position());
+    _pointerOver = rect().contains(event->position().toPoint());
     std::unique_ptr<EvPointerEvent> ev = UiQtEvents::toPointerEvent(*event, _pointer);
     if (!ev) {
         return false;
@@ -455,6 +602,10 @@ void UiViewer::mousePressEvent(QMouseEvent* event) {
         _panFrom = event->position();
         return;
     }
+    if (event->button() == Qt::LeftButton && _wipe.hits(_view, toPoint(event->position()))) {
+        _wipe.begin();
+        return;
+    }
     if (!UiGrab::pointer().isGrabbed()) {
         UiGrab::pointer().grab(&_pressGrab);
     }
@@ -474,12 +625,24 @@ void UiViewer::mouseMoveEvent(QMouseEvent* event) {
         redraw();
         return;
     }
+    takeFocusFromPointer();
+    if (_wipe.isDragging()) {
+        _pointer = toPoint(event->position());
+        _wipe.drag(_view, _pointer, getImageExtent());
+        redraw();
+        return;
+    }
     pointerEvent(event);
+    notifyChanged();
 }
 
 void UiViewer::mouseReleaseEvent(QMouseEvent* event) {
     if (_panning && event->button() == Qt::MiddleButton) {
         _panning = false;
+        return;
+    }
+    if (_wipe.isDragging() && event->button() == Qt::LeftButton) {
+        _wipe.end();
         return;
     }
     pointerEvent(event);
@@ -494,9 +657,7 @@ void UiViewer::wheelEvent(QWheelEvent* event) {
         return;
     }
     _pointer = toPoint(event->position());
-    _view.zoomAbout(_pointer, static_cast<float>(std::pow(1.25, steps)));
-    _fitted = true;
-    redraw();
+    zoomTo(_view.getZoom() * static_cast<float>(std::pow(1.25, steps)), _pointer);
 }
 
 void UiViewer::keyPressEvent(QKeyEvent* event) {
@@ -504,11 +665,46 @@ void UiViewer::keyPressEvent(QKeyEvent* event) {
     if (ev && deliver(*ev)) {
         return;
     }
-    if (event->key() == Qt::Key_Home) {
-        fitImage();
-        return;
+    if (!viewerKey(event)) {
+        QWidget::keyPressEvent(event);
     }
-    QWidget::keyPressEvent(event);
+}
+
+bool UiViewer::viewerKey(QKeyEvent* event) {
+    using Action = UiViewerKeys::Action;
+    using Channel = UiViewerDisplay::Channel;
+    const Action action = UiViewerKeys::find(UiQtEvents::toKeyCode(event->key()),
+                                             UiQtEvents::toModifierMask(event->modifiers()));
+    // A channel's key shows it alone, and again all of them.
+    auto toggle = [this](Channel channel) {
+        setChannel(_display.getChannel() == channel ? Channel::Rgb : channel);
+    };
+    switch (action) {
+    case Action::Fit:
+        fitImage();
+        break;
+    case Action::ActualPixels:
+        zoomToActualPixels();
+        break;
+    case Action::Wipe:
+        setWipe(!_wipe.isOn(), getWipeStart(), _wipe.getView());
+        break;
+    case Action::Red:
+        toggle(Channel::Red);
+        break;
+    case Action::Green:
+        toggle(Channel::Green);
+        break;
+    case Action::Blue:
+        toggle(Channel::Blue);
+        break;
+    case Action::Alpha:
+        toggle(Channel::Alpha);
+        break;
+    case Action::None:
+        return false;
+    }
+    return true;
 }
 
 void UiViewer::keyReleaseEvent(QKeyEvent* event) {
@@ -527,4 +723,27 @@ void UiViewer::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
     EvFocusOutEvent ev;
     deliver(ev);
+}
+
+void UiViewer::enterEvent(QEnterEvent* event) {
+    QWidget::enterEvent(event);
+    _pointerOver = true;
+    _pointer = toPoint(event->position());
+    takeFocusFromPointer();
+}
+
+void UiViewer::leaveEvent(QEvent* event) {
+    QWidget::leaveEvent(event);
+    _pointerOver = false;
+    notifyChanged();
+}
+
+void UiViewer::takeFocusFromPointer() {
+    if (!hasFocus() && !isTyping(QApplication::focusWidget())) {
+        setFocus(Qt::MouseFocusReason);
+    }
+}
+
+void UiViewer::notifyChanged() {
+    _changed.call();
 }
