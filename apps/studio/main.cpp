@@ -1,8 +1,8 @@
 // tessera-studio: the desktop application of the keyer.
+#include "studioAutosave.h"
 #include "studioWindow.h"
 
 #include "host/hostPackages.h"
-#include "host/sessionScript.h"
 
 #include <tesseraCore/io/tsPlateIO.h>
 
@@ -16,7 +16,7 @@ namespace {
 
 void usage(std::ostream& os) {
     os << "usage: tessera-studio [--demo] [--plate FILE] [--script SESSION] [--record FILE]\n"
-          "                      [--max-plate-pixels N]\n"
+          "                      [--max-plate-pixels N] [--autosave SECONDS]\n"
           "\n"
           "  --demo            start on the built-in demo plate and its background\n"
           "  --plate FILE      start on a plate file\n"
@@ -24,24 +24,38 @@ void usage(std::ostream& os) {
           "  --record FILE     write what is done as a session script to FILE, from the start\n"
           "                    to the close (File > Save Session Script writes it at any time)\n"
           "  --max-plate-pixels N\n"
-          "                    read plates of up to N pixels (default 67108864, 8192 x 8192)\n";
+          "                    read plates of up to N pixels (default 67108864, 8192 x 8192)\n"
+          "  --autosave SECONDS  autosave the setup and the recording this often (default 30;\n"
+          "                    0: never) into the user's data directory; a studio that did\n"
+          "                    not close normally is offered for recovery at the next start\n"
+          "  --help, --version this text; the version (no display needed)\n";
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication app(argc, argv);
-    bool demo = false;
-    std::string plate;
-    std::string script;
-    std::string record;
-    const QStringList args = QApplication::arguments();
-    for (int i = 1; i < args.size(); ++i) {
-        const std::string a = args[i].toStdString();
+    // Answered before the toolkit starts: they need no display.
+    for (int i = 1; i < argc; ++i) {
+        const std::string a = argv[i];
         if (a == "--help" || a == "-h") {
             usage(std::cout);
             return 0;
         }
+        if (a == "--version") {
+            std::cout << "tessera-studio " << TESSERA_VERSION << "\n";
+            return 0;
+        }
+    }
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("tessera-studio");
+    bool demo = false;
+    std::string plate;
+    std::string script;
+    std::string record;
+    int autosave = 30;
+    const QStringList args = QApplication::arguments();
+    for (int i = 1; i < args.size(); ++i) {
+        const std::string a = args[i].toStdString();
         if (a == "--demo") {
             demo = true;
         } else if (a == "--plate" && i + 1 < args.size()) {
@@ -50,6 +64,14 @@ int main(int argc, char** argv) {
             script = args[++i].toStdString();
         } else if (a == "--record" && i + 1 < args.size()) {
             record = args[++i].toStdString();
+        } else if (a == "--autosave" && i + 1 < args.size()) {
+            bool ok = false;
+            autosave = args[++i].toInt(&ok);
+            if (!ok || autosave < 0) {
+                std::cerr << "tessera-studio: --autosave takes a number of seconds, not \""
+                          << args[i].toStdString() << "\"\n";
+                return 2;
+            }
         } else if (a == "--max-plate-pixels" && i + 1 < args.size()) {
             std::string error;
             if (!TsPlateIO::setMaxPixels(args[++i].toStdString(), error)) {
@@ -66,6 +88,11 @@ int main(int argc, char** argv) {
     int status = 0;
     {
         StudioWindow window;
+        // Work a studio that died left behind comes first.
+        window.getAutosave().offerRecovery();
+        if (autosave > 0) {
+            window.getAutosave().start(StudioAutosave::defaultDirectory(), autosave);
+        }
         std::string error;
         if (!record.empty() && !window.recordTo(record, error)) {
             std::cerr << "tessera-studio: cannot record the session: " << error << "\n";
@@ -78,19 +105,8 @@ int main(int argc, char** argv) {
         if (status == 0 && !plate.empty()) {
             window.openPlate(plate);
         }
-        if (status == 0 && !script.empty()) {
-            try {
-                const SessionScript session = SessionScript::read(script);
-                for (const auto& line : session.getLines()) {
-                    if (!window.perform(line.text)) {
-                        std::cerr << "tessera-studio: " << script << ":" << line.number << ": "
-                                  << window.getStatusText().toStdString() << "\n";
-                        break;
-                    }
-                }
-            } catch (const SessionError& e) {
-                std::cerr << "tessera-studio: " << e.what() << "\n";
-            }
+        if (status == 0 && !script.empty() && !window.runScript(script)) {
+            std::cerr << "tessera-studio: " << window.getStatusText().toStdString() << "\n";
         }
         if (status == 0) {
             window.show();

@@ -1,11 +1,19 @@
 #include "studioWindow.h"
 
 #include "shotControls.h"
+#include "studioAutosave.h"
 #include "studioColourBar.h"
+#include "studioDocument.h"
+#include "studioFiles.h"
+#include "studioHistory.h"
+#include "studioShortcuts.h"
+#include "studioToolMenu.h"
+#include "studioViewerBar.h"
 
 #include "host/hostSession.h"
 #include "host/imageCommands.h"
 #include "host/outputWriter.h"
+#include "host/sessionArgs.h"
 #include "host/sessionInterpreter.h"
 #include "host/sessionRecorder.h"
 #include "host/sessionScript.h"
@@ -25,15 +33,14 @@
 #include <ui/uiMainWindow.h>
 #include <ui/uiPanel.h>
 #include <ui/uiViewer.h>
+#include <ui/uiViewerKeys.h>
 
 #include <QAction>
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QDockWidget>
-#include <QFileDialog>
 #include <QInputDialog>
-#include <QKeySequence>
 #include <QLabel>
 #include <QListWidget>
 #include <QMenuBar>
@@ -101,12 +108,15 @@ StudioWindow::StudioWindow(QWidget* parent)
     _mainWindow = std::make_unique<UiMainWindow>(this);
     UiApplication::getInstance().setMainWindow(_mainWindow.get());
 
+    _document = std::make_unique<StudioDocument>(*this);
+    _autosave = std::make_unique<StudioAutosave>(*this);
     buildDocks();
     buildToolBar();
     buildMenus();
 
     _reports = new QLabel(this);
     _reports->setObjectName("reportCount");
+    statusBar()->addPermanentWidget(&_viewerBar->getReadout());
     statusBar()->addPermanentWidget(_reports);
     statusBar()->showMessage("Ready");
     _listener = ExReporter::getInstance().addListener(
@@ -120,6 +130,10 @@ StudioWindow::~StudioWindow() {
     ExReporter::getInstance().removeListener(_listener);
     _handlerChanged.reset();
     _historyChanged.reset();
+    // What follows the viewer goes before the viewer does.
+    delete _toolMenu;
+    delete _viewerBar;
+    _autosave.reset();
     if (UiApplication::getInstance().getMainWindow() == _mainWindow.get()) {
         UiApplication::getInstance().setMainWindow(nullptr);
     }
@@ -138,21 +152,53 @@ StudioWindow::~StudioWindow() {
 // --- actions
 
 bool StudioWindow::perform(const std::string& line) {
+    SessionScript::Line words;
+    std::string error;
+    if (!SessionScript::split(line, words, error)) {
+        report(error);
+        return false;
+    }
+    words.number = 1;
+    return words.words.empty() || perform(words, "");
+}
+
+bool StudioWindow::perform(const SessionScript::Line& line, const std::string& source) {
     bool ok = true;
     {
         const SessionRecorder::Pause pause(*_recorder);
         try {
-            _interpreter->execute(line, "studio");
+            _interpreter->execute(line, source.empty() ? "studio" : source);
         } catch (const SessionError& e) {
-            report(e.getMessage());
+            // The studio's own actions have no file; a script's line is named
+            // as tessera-run names it.
+            report(source.empty() ? e.getMessage() : e.what());
             ok = false;
         }
     }
     if (ok) {
-        _recorder->addLine(line);
+        _recorder->addLine(line.text);
     }
     _recorder->refresh();
     refresh();
+    return ok;
+}
+
+bool StudioWindow::runScript(const std::string& path) {
+    SessionScript script;
+    try {
+        script = SessionScript::read(path);
+    } catch (const SessionError& e) {
+        report(e.getSource() + ": " + e.getMessage());
+        return false;
+    }
+    _interpreter->setInputDir(std::filesystem::path(path).parent_path().string());
+    bool ok = true;
+    for (const SessionScript::Line& line : script.getLines()) {
+        if (!(ok = perform(line, script.getSource()))) {
+            break;
+        }
+    }
+    _interpreter->setInputDir("");
     return ok;
 }
 
@@ -164,12 +210,33 @@ bool StudioWindow::openBackground(const std::string& path) {
     return perform("background " + quoted(absolute(path)));
 }
 
+bool StudioWindow::newKeyer(int generation) {
+    if (!_document->confirmDiscard("New Keyer")) {
+        return false;
+    }
+    if (!perform("keyer variant " + std::to_string(generation) + " nodes 3")) {
+        return false;
+    }
+    _document->cleared();
+    return true;
+}
+
 bool StudioWindow::loadSetup(const std::string& path) {
-    return perform("load " + quoted(absolute(path)));
+    if (!_document->confirmDiscard("Load Setup") || !perform("load " + quoted(absolute(path)))) {
+        return false;
+    }
+    _document->saved(absolute(path));
+    return true;
 }
 
 bool StudioWindow::saveSetup(const std::string& path) {
-    return perform("save " + quoted(absolute(path)));
+    const std::string file = absolute(StudioFiles::withSuffix(path, StudioFiles::Setup.suffix));
+    if (!perform("save " + quoted(file))) {
+        return false;
+    }
+    _document->saved(file);
+    statusBar()->showMessage(QString::fromStdString("Setup saved to " + file));
+    return true;
 }
 
 bool StudioWindow::exportOutput(const std::string& kind, const std::string& path) {
@@ -225,6 +292,10 @@ bool StudioWindow::writeRecording() {
 }
 
 void StudioWindow::closeEvent(QCloseEvent* event) {
+    if (!_document->confirmDiscard("Quit")) {
+        event->ignore();
+        return;
+    }
     if (!writeRecording() && !_closeWarned) {
         // Once more to give the recording up; File > Save Session Script
         // saves it elsewhere meanwhile.
@@ -253,10 +324,8 @@ QString StudioWindow::getStatusText() const {
     return statusBar()->currentMessage();
 }
 
-std::string StudioWindow::askFile(const QString& title, const QString& filter, bool save) {
-    const QString file = save ? QFileDialog::getSaveFileName(this, title, QString(), filter)
-                              : QFileDialog::getOpenFileName(this, title, QString(), filter);
-    return file.toStdString();
+QListWidget& StudioWindow::getHistory() const {
+    return *_history;
 }
 
 void StudioWindow::report(const std::string& text) {
@@ -270,39 +339,44 @@ void StudioWindow::report(const std::string& text) {
 // --- building
 
 void StudioWindow::buildMenus() {
-    const QString images = "Images (*.exr *.dpx *.tif *.tiff *.png *.jpg *.jpeg)";
-    const QString setups = "Keyer setups (*.tessera);;All files (*)";
+    // The studio's own actions take their keys from its domain of the hotkey
+    // table.
+    auto own = [](QAction* action, const char* entry) {
+        StudioShortcuts::bind(action, StudioShortcuts::Domain, entry, true);
+        return action;
+    };
     QMenu* file = menuBar()->addMenu("&File");
-    file->addAction("Open &Plate...", this, [this, images] {
-        const std::string p = askFile("Open Plate", images, false);
-        if (!p.empty()) {
-            openPlate(p);
-        }
-    });
+    own(file->addAction("Open &Plate...", this,
+                        [this] {
+                            const std::string p = StudioFiles::ask(this, StudioFiles::Plate, false);
+                            if (!p.empty()) {
+                                openPlate(p);
+                            }
+                        }),
+        "Open Plate");
     file->addAction("&Demo Plate", this, [this] {
         perform("plate demo");
         perform("background demo");
     });
-    file->addAction("Open &Background...", this, [this, images] {
-        const std::string p = askFile("Open Background", images, false);
+    file->addAction("Open &Background...", this, [this] {
+        const std::string p = StudioFiles::ask(this, StudioFiles::Plate, false);
         if (!p.empty()) {
             openBackground(p);
         }
     });
     file->addAction("No Background", this, [this] { perform("background none"); });
     file->addSeparator();
-    file->addAction("&Load Setup...", this, [this, setups] {
-        const std::string p = askFile("Load Setup", setups, false);
-        if (!p.empty()) {
-            loadSetup(p);
-        }
-    });
-    file->addAction("&Save Setup...", this, [this, setups] {
-        const std::string p = askFile("Save Setup", setups, true);
-        if (!p.empty()) {
-            saveSetup(p);
-        }
-    });
+    own(file->addAction("&Load Setup...", this,
+                        [this] {
+                            const std::string p = StudioFiles::ask(this, StudioFiles::Setup, false);
+                            if (!p.empty()) {
+                                loadSetup(p);
+                            }
+                        }),
+        "Load Setup");
+    own(file->addAction("&Save Setup", this, [this] { _document->save(); }), "Save Setup");
+    own(file->addAction("Save Setup &As...", this, [this] { _document->saveAs(); }),
+        "Save Setup As");
     file->addSeparator();
     for (const auto& [kind, label] :
          {std::pair<const char*, const char*>{"matte", "Export &Matte..."},
@@ -311,8 +385,8 @@ void StudioWindow::buildMenus() {
           {"viewer", "Export &Viewer Snapshot..."}}) {
         const std::string k = kind;
         file->addAction(label, this, [this, k] {
-            const std::string p = askFile(
-                "Export", k == "viewer" ? "PNG (*.png)" : "Images (*.exr *.png *.jpg)", true);
+            const std::string p = StudioFiles::ask(
+                this, k == "viewer" ? StudioFiles::Snapshot : StudioFiles::Export, true);
             if (!p.empty()) {
                 exportOutput(k, p);
             }
@@ -320,32 +394,37 @@ void StudioWindow::buildMenus() {
     }
     file->addSeparator();
     file->addAction("Save Session &Script...", this, [this] {
-        const std::string p = askFile("Save Session Script", "Session scripts (*.tss)", true);
+        const std::string p = StudioFiles::ask(this, StudioFiles::Script, true);
         if (!p.empty()) {
             saveRecording(p);
         }
     });
     file->addSeparator();
-    file->addAction("&Quit", QKeySequence::Quit, this, &QWidget::close);
+    own(file->addAction("&Quit", this, &QWidget::close), "Quit");
 
     QMenu* edit = menuBar()->addMenu("&Edit");
-    QAction* undo = edit->addAction("&Undo", QKeySequence::Undo, this, [this] {
-        if (_session->getCommandStack().canUndo()) {
-            perform("undo");
-        }
-    });
+    QAction* undo = own(edit->addAction("&Undo", this,
+                                        [this] {
+                                            if (_session->getCommandStack().canUndo()) {
+                                                perform("undo");
+                                            }
+                                        }),
+                        "Undo");
     undo->setObjectName("undoAction");
-    QAction* redo = edit->addAction("&Redo", QKeySequence::Redo, this, [this] {
-        if (_session->getCommandStack().canRedo()) {
-            perform("redo");
-        }
-    });
+    QAction* redo = own(edit->addAction("&Redo", this,
+                                        [this] {
+                                            if (_session->getCommandStack().canRedo()) {
+                                                perform("redo");
+                                            }
+                                        }),
+                        "Redo");
     redo->setObjectName("redoAction");
 
+    buildViewMenu();
+
     QMenu* keyer = menuBar()->addMenu("&Keyer");
-    keyer->addAction("New Keyer", this, [this] { perform("keyer variant 1 nodes 3"); });
-    keyer->addAction("New Keyer (Generation 2)", this,
-                     [this] { perform("keyer variant 2 nodes 3"); });
+    own(keyer->addAction("New Keyer", this, [this] { newKeyer(1); }), "New Keyer");
+    keyer->addAction("New Keyer (Generation 2)", this, [this] { newKeyer(2); });
     keyer->addSeparator();
     keyer->addAction("Rename Node...", this, [this] {
         const QListWidgetItem* item = _nodes->currentItem();
@@ -366,15 +445,65 @@ void StudioWindow::buildMenus() {
         }
     });
 
-    QMenu* tools = menuBar()->addMenu("&Tools");
-    const std::string names[] = {
-        TsMgTool::getManipToolName(0),        TsMgTool::getManipToolName(1),
-        TsMgTool::getManipToolName(2),        TsMgTool::getManipToolName(3),
-        TsDgTool::getManipToolName(2),        TsSpillBlendTool::getManipToolName(2),
-        TsSpillBlendTool::getManipToolName(3)};
-    for (const std::string& name : names) {
-        tools->addAction(QString::fromStdString(name), this,
-                         [this, name] { perform("tool " + quoted(name)); });
+    _toolMenu = new StudioToolMenu(
+        _session->getViewer(), [this](const std::string& line) { return perform(line); }, this);
+    menuBar()->addMenu(_toolMenu);
+
+    QMenu* help = menuBar()->addMenu("&Help");
+    own(help->addAction("&Keyboard Shortcuts", this,
+                        [this] {
+                            auto* dialog = new StudioShortcutsDialog(this);
+                            dialog->setAttribute(Qt::WA_DeleteOnClose);
+                            dialog->show();
+                        }),
+        "Keyboard Shortcuts");
+}
+
+void StudioWindow::buildViewMenu() {
+    QMenu* view = menuBar()->addMenu("&View");
+    view->setObjectName("viewMenu");
+    // The viewer takes its own keys where the pointer is: the menu shows them.
+    auto viewer = [](QAction* action, UiViewerKeys::Action key) {
+        StudioShortcuts::bind(action, UiViewerKeys::Domain, UiViewerKeys::getEntryName(key), false);
+        return action;
+    };
+    viewer(view->addAction("&Fit", this, [this] { perform("fit"); }), UiViewerKeys::Action::Fit);
+    viewer(view->addAction("&Actual Pixels (1:1)", this, [this] { perform("zoom 1"); }),
+           UiViewerKeys::Action::ActualPixels);
+    view->addSeparator();
+    viewer(view->addAction("&Wipe", this,
+                           [this] {
+                               UiViewer& v = _session->getViewer();
+                               perform(v.getWipe().isOn()
+                                           ? std::string("wipe off")
+                                           : "wipe on " + SessionArgs::format(v.getWipeStart()));
+                           }),
+           UiViewerKeys::Action::Wipe);
+    QMenu* channels = view->addMenu("&Channel");
+    for (const auto& [key, name] : {std::pair{UiViewerKeys::Action::Red, "red"},
+                                    std::pair{UiViewerKeys::Action::Green, "green"},
+                                    std::pair{UiViewerKeys::Action::Blue, "blue"},
+                                    std::pair{UiViewerKeys::Action::Alpha, "alpha"}}) {
+        const std::string channel = name;
+        viewer(channels->addAction(QString::fromStdString(UiViewerKeys::getEntryName(key)), this,
+                                   [this, channel] {
+                                       const bool shown =
+                                           UiViewerDisplay::getChannelName(
+                                               _session->getViewer().getDisplay().getChannel()) ==
+                                           channel;
+                                       perform("channel " + (shown ? "rgb" : channel));
+                                   }),
+               key);
+    }
+    channels->addAction("All (RGB)", this, [this] { perform("channel rgb"); });
+    view->addSeparator();
+    // The view modes switch with the keys of the studio's domain.
+    for (const std::string& mode : TsViewRender::getViewNames()) {
+        QString label = QString::fromStdString(mode);
+        label[0] = label[0].toUpper();
+        QAction* action = view->addAction(label, this, [this, mode] { perform("view " + mode); });
+        StudioShortcuts::bind(action, StudioShortcuts::Domain, "View " + label.toStdString(), true);
+        action->setShortcutContext(Qt::ApplicationShortcut);
     }
 }
 
@@ -401,15 +530,8 @@ void StudioWindow::buildToolBar() {
     bar->addWidget(new QLabel(" View ", bar));
     _mode = new QComboBox(bar);
     _mode->setObjectName("viewMode");
-    int shortcut = 1;
     for (const std::string& mode : TsViewRender::getViewNames()) {
         _mode->addItem(QString::fromStdString(mode));
-        // The view modes switch with Ctrl+1 .. Ctrl+5.
-        auto* action = new QAction(QString::fromStdString(mode), this);
-        action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + shortcut++)));
-        action->setShortcutContext(Qt::ApplicationShortcut);
-        connect(action, &QAction::triggered, this, [this, mode] { perform("view " + mode); });
-        addAction(action);
     }
     connect(_mode, &QComboBox::activated, this, [this](int index) {
         if (!_refreshing) {
@@ -428,6 +550,10 @@ void StudioWindow::buildToolBar() {
         }
     });
     bar->addWidget(_frame);
+
+    _viewerBar = new StudioViewerBar(
+        _session->getViewer(), [this](const std::string& line) { return perform(line); }, this);
+    addToolBar(_viewerBar);
     _colour = new StudioColourBar(
         *_session, [this](const std::string& line) { return perform(line); }, this);
     addToolBarBreak();
@@ -437,7 +563,7 @@ void StudioWindow::buildToolBar() {
 void StudioWindow::buildDocks() {
     auto* historyDock = new QDockWidget("History", this);
     historyDock->setObjectName("historyDock");
-    _history = new QListWidget(historyDock);
+    _history = new StudioHistory(_interpreter->getProbe(), historyDock);
     _history->setObjectName("history");
     historyDock->setWidget(_history);
     addDockWidget(Qt::LeftDockWidgetArea, historyDock);
@@ -470,12 +596,15 @@ void StudioWindow::refresh() {
     refreshStage();
     _colour->refresh();
     _shot->refresh();
+    _document->refresh();
+    _viewerBar->refresh();
 }
 
 void StudioWindow::historyChanged() {
     refreshHistory();
     refreshNodes();
     _colour->refresh();
+    _document->refresh();
 }
 
 void StudioWindow::handlerChanged() {
@@ -484,17 +613,7 @@ void StudioWindow::handlerChanged() {
 
 void StudioWindow::refreshHistory() {
     _refreshing = true;
-    const PiCommandStack& stack = _session->getCommandStack();
-    const std::vector<LiString> names = stack.getStepNames();
-    _history->clear();
-    _history->addItem("(start)");
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        auto* item = new QListWidgetItem(QString::fromStdString(names[i]), _history);
-        if (static_cast<int>(i) >= stack.getUndoCount()) {
-            item->setForeground(Qt::gray);
-        }
-    }
-    _history->setCurrentRow(stack.getUndoCount());
+    _history->refresh(_session->getCommandStack());
     _refreshing = false;
 }
 
