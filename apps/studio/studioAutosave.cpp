@@ -22,12 +22,9 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <set>
 
 namespace {
-
-std::string stemOf(const std::string& lock) {
-    return lock.substr(0, lock.size() - std::string(".lock").size());
-}
 
 std::string existing(const std::string& path) {
     std::error_code ec;
@@ -102,33 +99,32 @@ bool StudioAutosave::saveNow() {
 std::vector<StudioAutosave::Leftover> StudioAutosave::findLeftovers() const {
     std::vector<Leftover> found;
     const QDir dir(QString::fromStdString(_directory.empty() ? defaultDirectory() : _directory));
-    const QFileInfoList locks =
-        dir.entryInfoList({"studio-*.lock"}, QDir::Files, QDir::Time); // newest first
-    for (const QFileInfo& info : locks) {
-        const std::string lock = info.absoluteFilePath().toStdString();
-        if (_lock && lock == std::filesystem::absolute(_stem + ".lock").string()) {
+    std::set<std::string> stems;
+    for (const QFileInfo& info :
+         dir.entryInfoList({"studio-*.tessera", "studio-*.tss", "studio-*.lock"}, QDir::Files,
+                           QDir::Time)) { // newest first
+        const std::string path = info.absoluteFilePath().toStdString();
+        const std::string stem = path.substr(0, path.size() - info.suffix().size() - 1);
+        if ((_lock && stem == std::filesystem::absolute(_stem).string()) ||
+            !stems.insert(stem).second) {
             continue;
         }
-        // Another studio's lock is stale only when its process is gone, however
-        // old the file is.
-        QLockFile other(info.absoluteFilePath());
-        other.setStaleLockTime(0);
-        if (!other.tryLock(0)) {
-            continue; // a studio that runs
+        // A studio that runs holds its lock; the lock of one that died is
+        // stale (its process is gone, however old the file is), and taking it
+        // and letting it go removes it.
+        QLockFile lock(QString::fromStdString(stem + ".lock"));
+        lock.setStaleLockTime(0);
+        if (!lock.tryLock(0)) {
+            continue;
         }
-        other.unlock();
-        const std::string stem = stemOf(lock);
-        Leftover leftover{lock, existing(stem + ".tessera"), existing(stem + ".tss"), {}};
+        lock.unlock();
+        Leftover leftover{stem + ".lock", existing(stem + ".tessera"), existing(stem + ".tss"), {}};
+        if (leftover.setup.empty() && leftover.recording.empty()) {
+            continue; // died before its first autosave: nothing to offer
+        }
         const QFileInfo saved(
             QString::fromStdString(leftover.setup.empty() ? leftover.recording : leftover.setup));
-        leftover.time = saved.exists()
-                            ? saved.lastModified().toString("d MMM yyyy hh:mm:ss").toStdString()
-                            : std::string();
-        if (leftover.setup.empty() && leftover.recording.empty()) {
-            // Died before its first autosave: nothing to offer.
-            discard(leftover);
-            continue;
-        }
+        leftover.time = saved.lastModified().toString("d MMM yyyy hh:mm:ss").toStdString();
         found.push_back(leftover);
     }
     return found;

@@ -17,8 +17,8 @@ class StudioWindow;
 // renamed over the last one, so that a crash in the middle leaves the
 // previous autosave whole). A studio that closes normally removes its files.
 //
-// The files of a studio that died (its lock file left behind by a process
-// that no longer runs) are what the next studio offers to recover: its
+// The files of a studio that died (no lock held by a running process) are
+// what the next studio offers to recover: its
 // setup becomes the keyer (with no history, changed and not saved, under
 // the file it was last saved to or loaded from) on the plate and background
 // the recording last named, and its recording goes on in this studio's, so

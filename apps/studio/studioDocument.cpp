@@ -67,6 +67,9 @@ bool StudioDocument::save() {
 }
 
 bool StudioDocument::saveAs() {
-    const std::string path = StudioFiles::ask(&_window, StudioFiles::Setup, true);
+    // Beside the setup's file, when it has one.
+    const std::string path = StudioFiles::ask(
+        &_window, StudioFiles::Setup, true,
+        _path.empty() ? std::string() : std::filesystem::path(_path).parent_path().string());
     return !path.empty() && _window.saveSetup(path);
 }

@@ -20,8 +20,11 @@ std::string StudioFiles::withSuffix(const std::string& path, const std::string& 
     return path + suffix;
 }
 
-std::string StudioFiles::ask(QWidget* parent, const Kind& kind, bool save) {
-    QFileDialog dialog(parent, kind.title, QString(), kind.filter);
+std::string StudioFiles::ask(QWidget* parent, const Kind& kind, bool save,
+                             const std::string& directory) {
+    const QString start = QString::fromStdString(
+        directory.empty() ? std::filesystem::current_path().string() : directory);
+    QFileDialog dialog(parent, kind.title, start, kind.filter);
     dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     if (!kind.suffix.empty()) {

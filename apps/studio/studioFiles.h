@@ -22,8 +22,10 @@ public:
     static const Kind Export; // .exr by default; .png or .jpg as typed
     static const Kind Snapshot;
 
-    // The file the user chose; "" when the dialog was cancelled.
-    static std::string ask(QWidget* parent, const Kind& kind, bool save);
+    // The file the user chose; "" when the dialog was cancelled. The dialog
+    // opens in `directory` ("" for the current directory).
+    static std::string ask(QWidget* parent, const Kind& kind, bool save,
+                           const std::string& directory = "");
     // `path` with the suffix added when its file name has no extension.
     static std::string withSuffix(const std::string& path, const std::string& suffix);
 };

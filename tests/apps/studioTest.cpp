@@ -2,134 +2,22 @@
 // (offscreen): what it records replays in tessera-run to the same setup; its
 // status line reports without closing anything; a screenshot of it after a
 // session shows the viewer, the panels and the history where they belong.
-#include "studioWindow.h"
+#include "studioScene.h"
 
-#include "host/hostSession.h"
 #include "host/sessionInterpreter.h"
 #include "host/sessionRecorder.h"
-#include "host/viewerDriver.h"
-
-#include <base/exReporter.h>
-#include <pluginAPI/piContainer.h>
-#include <pluginAPI/piEventHandler.h>
-#include <pluginAPI/piNode.h>
-#include <pluginAPI/piPath.h>
-#include <ui/uiApplication.h>
-#include <ui/uiViewer.h>
-#include <ui/uiWidgetAdapter.h>
 
 #include <OpenImageIO/imageio.h>
 
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
-#include <QApplication>
 #include <QComboBox>
 #include <QDoubleSpinBox>
-#include <QKeyEvent>
 #include <QListWidget>
-#include <QMouseEvent>
 
-#include "support/runProgram.h"
-
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <set>
-#include <sstream>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
-
-std::string readFile(const std::filesystem::path& p) {
-    std::ifstream in(p);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
-
-void mouse(QWidget* w, QEvent::Type type, const QPointF& at,
-           Qt::MouseButton button = Qt::LeftButton, Qt::KeyboardModifiers mods = Qt::NoModifier,
-           Qt::MouseButtons held = Qt::NoButton) {
-    QMouseEvent e(type, at, w->mapToGlobal(at), type == QEvent::MouseMove ? Qt::NoButton : button,
-                  held, mods);
-    QApplication::sendEvent(w, &e);
-}
-
-void click(QWidget* w, const QPointF& at, Qt::KeyboardModifiers mods = Qt::NoModifier) {
-    mouse(w, QEvent::MouseButtonPress, at, Qt::LeftButton, mods, Qt::LeftButton);
-    mouse(w, QEvent::MouseButtonRelease, at, Qt::LeftButton, mods, Qt::NoButton);
-}
-
-void key(QWidget* w, int k, Qt::KeyboardModifiers mods = Qt::NoModifier,
-         const QString& text = QString()) {
-    QKeyEvent press(QEvent::KeyPress, k, mods, text);
-    QApplication::sendEvent(w, &press);
-    QKeyEvent release(QEvent::KeyRelease, k, mods, text);
-    QApplication::sendEvent(w, &release);
-}
-
-class StudioScene : public ::testing::Test {
-protected:
-    StudioScene() { UiApplication::getInstance(); }
-    void SetUp() override {
-        ExReporter::getInstance().clear();
-        dir = std::filesystem::temp_directory_path() /
-              ("tessera-studio-" + std::to_string(::getpid()) + "-" +
-               ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::remove_all(dir);
-        std::filesystem::create_directories(dir);
-        studio = std::make_unique<StudioWindow>();
-        studio->resize(1400, 860);
-        studio->show();
-        settle();
-    }
-    void TearDown() override {
-        studio.reset();
-        std::filesystem::remove_all(dir);
-    }
-    void settle() {
-        for (int i = 0; i < 4; ++i) {
-            QApplication::processEvents();
-        }
-        HostSession::settle();
-    }
-
-    HostSession& session() const { return studio->getSession(); }
-    UiViewer& viewer() const { return session().getViewer(); }
-    // A widget of a panel, as the window system has it.
-    template <class W>
-    W* widget(const std::string& panel, const std::string& name) const {
-        const RCShdPtr<PiContainer> container = session().getPanel(panel);
-        EXPECT_TRUE(container) << panel;
-        if (!container) {
-            return nullptr;
-        }
-        auto* adapter = dynamic_cast<UiWidgetAdapter*>(container->findWidget(name).get());
-        W* w = adapter ? qobject_cast<W*>(adapter->getLiveWidget()) : nullptr;
-        EXPECT_TRUE(w) << panel << " " << name;
-        return w;
-    }
-    // The window point of a plate point in the studio's viewer.
-    QPointF at(double x, double y) const {
-        const GePoint2<float> p = ViewerDriver::plateToWindow(viewer().getView(), {x, y});
-        return {p.x, p.y};
-    }
-
-    std::filesystem::path dir;
-    std::unique_ptr<StudioWindow> studio;
-};
-
-// Runs tessera-run on a script; its exit status.
-int replay(const std::filesystem::path& script, std::string& out) {
-    const ProgramResult r = runProgram(std::string(TESSERA_BIN_DIR) + "/tessera-run --quiet " +
-                                       script.string() + " 2>&1");
-    out += r.out;
-    return r.status;
-}
 
 TEST_F(StudioScene, ARecordedSessionReplaysHeadlessToTheSameSetup) {
     ASSERT_TRUE(studio->perform("plate demo 320 180"));
