@@ -9,6 +9,7 @@
 #include "host/sessionScript.h"
 
 #include <base/exReporter.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <tesseraCore/tsSetup.h>
 
 #include <QCoreApplication>
@@ -78,16 +79,16 @@ bool StudioAutosave::saveNow() {
     if (!_lock) {
         return false;
     }
-    LiString setup;
+    std::string setup;
     std::string error;
-    bool ok = TsSetup::write(*_window.getSession().getKeyer(), setup, &error);
+    bool ok = TsSetup::write(*_window.getSession().getKeyer(), setup, error);
     if (ok && setup != _lastSetup) {
-        ok = OutputWriter::writeText(setup, getSetupPath(), error);
+        ok = OutputWriter::writeBytes(setup, getSetupPath(), error);
         _lastSetup = ok ? setup : std::string();
     }
     const std::string recording = _window.getRecorder().getText();
     if (ok && recording != _lastRecording) {
-        ok = OutputWriter::writeText(recording, getRecordingPath(), error);
+        ok = OutputWriter::writeBytes(recording, getRecordingPath(), error);
         _lastRecording = ok ? recording : std::string();
     }
     if (!ok) {
@@ -191,7 +192,7 @@ bool StudioAutosave::recover(const Leftover& leftover) {
         }
     }
     if (!leftover.setup.empty() &&
-        !_window.perform("open " + SessionScript::quote(leftover.setup))) {
+        !_window.perform("open " + TsValueText::quoteWord(leftover.setup))) {
         return false;
     }
     // The session goes on from where the studio that died left it.

@@ -2,13 +2,12 @@
 
 #include "studioShortcuts.h"
 
-#include "host/sessionScript.h"
-
 #include <base/exReporter.h>
 #include <pluginAPI/piCurrentToolEventHandler.h>
 #include <pluginAPI/piEventHandlingInterface.h>
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piPath.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <tesseraCore/tsDgTool.h>
 #include <tesseraCore/tsMgTool.h>
 #include <tesseraCore/tsSpillBlendTool.h>
@@ -38,7 +37,7 @@ StudioToolMenu::StudioToolMenu(UiViewer& viewer, Perform perform, QWidget* paren
         // shows it.
         StudioShortcuts::bind(action, UiHotkeyRegistry::TesseraDomain, name, false);
         connect(action, &QAction::triggered, this,
-                [this, name] { _perform("tool " + SessionScript::quote(name)); });
+                [this, name] { _perform("tool " + TsValueText::quoteWord(name)); });
     }
     PiEventHandlingInterface::getInstance().addCurrentEventHandlerChangedCallback(&_handlerChanged);
     handlerChanged();
