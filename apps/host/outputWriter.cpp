@@ -4,7 +4,6 @@
 
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
-#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/io/tsSequence.h>
 #include <tesseraCore/render/tsViewRender.h>
 #include <ui/uiViewer.h>
@@ -76,7 +75,7 @@ bool OutputWriter::writeView(const std::string& kind, const std::string& path,
         error = "there is no plate to key";
         return false;
     }
-    return TsPlateIO::write(*image, path, error, colourSpace);
+    return TsViewRender::write(*image, mode, path, error, colourSpace);
 }
 
 bool OutputWriter::writeViewer(const std::string& path, std::string& error) {

@@ -1,7 +1,6 @@
 #include "batchRender.h"
 
 #include <tesseraCore/demo/tsDemoPlate.h>
-#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/io/tsSequence.h>
 #include <tesseraCore/render/tsShotRender.h>
 #include <tesseraCore/render/tsViewRender.h>
@@ -89,7 +88,7 @@ int BatchRender::run(const Options& options, std::ostream& out, std::ostream& er
         }
         const PiImagePtr image = TsViewRender::render(*node, options.frame, mode);
         const std::string path = outputPath(options.outputDir, file);
-        if (!image || !TsPlateIO::write(*image, path, error)) {
+        if (!image || !TsViewRender::write(*image, mode, path, error)) {
             err << "tessera-run: " << (image ? error : "there is no plate to key") << "\n";
             return 1;
         }

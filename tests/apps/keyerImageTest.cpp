@@ -14,6 +14,8 @@
 #include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/render/tsViewRender.h>
 
+#include <OpenImageIO/imageio.h>
+
 #include <QImage>
 
 #include <fstream>
@@ -146,6 +148,41 @@ TEST_F(KeyerImageScene, OutputsAreWrittenAndReadBack) {
         << text.str();
     EXPECT_NE(text.str().find("  viewer: " + path("out/viewer.png")), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(path("out/summary.txt.part")));
+}
+
+// As compositors read them: the matte alone in an EXR's alpha channel, the
+// foreground premultiplied RGBA.
+TEST_F(KeyerImageScene, ExrOutputsHoldTheMatteInAlphaAndThePremultipliedForeground) {
+    ok(keyColour + "\nwrite matte out/matte.exr\nwrite foreground out/fg.exr");
+    const PiImagePtr fg = TsViewRender::render(shown(), 0.0, TsViewMode::Foreground);
+    auto read = [&](const std::string& file, std::vector<std::string> channels) {
+        auto in = OIIO::ImageInput::open(path(file));
+        EXPECT_TRUE(in) << file;
+        std::vector<float> data;
+        if (in) {
+            EXPECT_EQ(in->spec().channelnames, channels) << file;
+            EXPECT_EQ(in->spec().alpha_channel, static_cast<int>(channels.size()) - 1);
+            data.resize(fg->getPixelCount() * channels.size());
+            EXPECT_TRUE(in->read_image(0, 0, 0, -1, OIIO::TypeDesc::FLOAT, data.data()));
+        }
+        return data;
+    };
+    const std::vector<float> matte = read("out/matte.exr", {"A"});
+    const std::vector<float> rgba = read("out/fg.exr", {"R", "G", "B", "A"});
+    ASSERT_EQ(matte.size(), fg->getPixelCount());
+    int partial = 0;
+    for (int y = 0; y < fg->getHeight(); ++y) {
+        for (int x = 0; x < fg->getWidth(); ++x) {
+            // The file's rows go top down.
+            const CoRgbaColorTyped<float> c = fg->getPixel(x, fg->getHeight() - 1 - y);
+            const float* p = rgba.data() + 4 * (y * fg->getWidth() + x);
+            ASSERT_EQ(matte[y * fg->getWidth() + x], c.a) << x << "," << y;
+            ASSERT_EQ(p[3], c.a);
+            ASSERT_FLOAT_EQ(p[1], c.g * c.a) << x << "," << y;
+            partial += c.a > 0.0f && c.a < 1.0f;
+        }
+    }
+    EXPECT_GT(partial, 0) << "the edges are soft";
 }
 
 TEST_F(KeyerImageScene, KeyingTheScreenColourBringsTheMatteCloseToTheTruth) {

@@ -36,7 +36,10 @@
 // the space asked for, or by default the working space for EXR and the
 // display's space for PNG and JPEG; the space is named in the file's header
 // (attributes "colorSpace" and "oiio:ColorSpace"; JPEG keeps neither):
-// - .exr: 32-bit float RGBA, premultiplied, display window = data window;
+// - .exr: 32-bit float RGBA (channels R, G, B, A), premultiplied, display
+//   window = data window; a matte (Holds::Matte) is one channel, A, as a
+//   compositor reads a matte, with no colour conversion and no colour space
+//   named (a matte is no colour);
 // - .png: 16-bit RGBA, straight alpha, clamped to [0, 1];
 // - .jpg, .jpeg: 8-bit RGB, clamped to [0, 1];
 // - no time of writing in the header: the same image is the same bytes,
@@ -51,8 +54,12 @@ public:
     // `used`, when given, receives the space the file was converted from.
     static PiImagePtr read(const std::string& path, std::string& error,
                            const std::string& colourSpace = {}, std::string* used = nullptr);
+    // What an image written holds: colour and alpha, or a matte (the image's
+    // red component, as the matte view shows it grey; PNG and JPEG write the
+    // grey image as it is).
+    enum class Holds { Rgba, Matte };
     static bool write(const PiImage& image, const std::string& path, std::string& error,
-                      const std::string& colourSpace = {});
+                      const std::string& colourSpace = {}, Holds holds = Holds::Rgba);
     // The size of the plate a file holds (its display window), from its header
     // alone, and (`used`, when given) the colour space its pixels would be
     // converted from; false and a message as read's when it cannot be read.

@@ -27,6 +27,10 @@ public:
     // The view of the node at full resolution at a frame; empty when the
     // node has no plate there.
     static PiImagePtr render(const TsKeyerNode& node, double frame, TsViewMode mode);
+    // Writes a view as pipelines read it (TsPlateIO::write): the matte view
+    // as a matte (in an EXR's alpha channel), every other view as RGBA.
+    static bool write(const PiImage& view, TsViewMode mode, const std::string& path,
+                      std::string& error, const std::string& colourSpace = {});
 };
 
 // One viewer's renderer of a keyer node: renders again only when one of the

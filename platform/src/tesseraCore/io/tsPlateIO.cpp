@@ -259,7 +259,7 @@ private:
 };
 
 bool writeImage(const PiImage& image, const std::string& path, const std::string& colourSpace,
-                std::string& error) {
+                TsPlateIO::Holds holds, std::string& error) {
     if (image.isEmpty()) {
         error = writeFailure(path, "the image is empty");
         return false;
@@ -292,18 +292,27 @@ bool writeImage(const PiImage& image, const std::string& path, const std::string
     }
     const int width = image.getWidth();
     const int height = image.getHeight();
-    OIIO::ImageSpec spec(width, height, jpeg ? 3 : 4,
+    const bool matte = exr && holds == TsPlateIO::Holds::Matte;
+    OIIO::ImageSpec spec(width, height,
+                         matte  ? 1
+                         : jpeg ? 3
+                                : 4,
                          exr    ? OIIO::TypeDesc::FLOAT
                          : jpeg ? OIIO::TypeDesc::UINT8
                                 : OIIO::TypeDesc::UINT16);
-    if (!jpeg) {
+    if (matte) {
+        spec.channelnames = {"A"};
+        spec.alpha_channel = 0;
+    } else if (!jpeg) {
         spec.alpha_channel = 3;
     }
     if (!exr) {
         spec.attribute("oiio:UnassociatedAlpha", 1);
     }
-    spec.attribute("oiio:ColorSpace", target);
-    spec.attribute(ColourSpaceAttribute, target);
+    if (!matte) {
+        spec.attribute("oiio:ColorSpace", target);
+        spec.attribute(ColourSpaceAttribute, target);
+    }
     // A frame is the same bytes whichever machine renders it, and whenever:
     // the EXR writer stamps the time of writing (capDate) unless it is given
     // a time, so it is given an empty one.
@@ -317,12 +326,17 @@ bool writeImage(const PiImage& image, const std::string& path, const std::string
                   data.data() + 4 * static_cast<std::size_t>(width) * y);
     }
     const auto w = static_cast<std::size_t>(width);
-    if (!TsColour::convert(data.data(), w, static_cast<std::size_t>(height), 4 * w,
-                           TsColour::getWorkingSpace(), target, error)) {
+    if (matte) {
+        for (std::size_t i = 0; i < image.getPixelCount(); ++i) {
+            data[i] = data[4 * i];
+        }
+        data.resize(image.getPixelCount());
+    } else if (!TsColour::convert(data.data(), w, static_cast<std::size_t>(height), 4 * w,
+                                  TsColour::getWorkingSpace(), target, error)) {
         error = writeFailure(path, error);
         return false;
     }
-    for (std::size_t i = 0; i < data.size(); i += 4) {
+    for (std::size_t i = 0; !matte && i < data.size(); i += 4) {
         float* d = data.data() + i;
         if (exr) {
             d[0] *= d[3];
@@ -340,8 +354,8 @@ bool writeImage(const PiImage& image, const std::string& path, const std::string
     }
     const bool opened = file.open() && out->open(path, spec);
     // JPEG takes the colour and leaves alpha.
-    const bool written =
-        opened && out->write_image(OIIO::TypeDesc::FLOAT, data.data(), 4 * sizeof(float));
+    const bool written = opened && out->write_image(OIIO::TypeDesc::FLOAT, data.data(),
+                                                    (matte ? 1 : 4) * sizeof(float));
     const bool closed = opened && out->close();
     if (!file.getError().empty()) {
         error = writeFailure(path, file.getError());
@@ -376,10 +390,10 @@ PiImagePtr TsPlateIO::read(const std::string& path, std::string& error,
 }
 
 bool TsPlateIO::write(const PiImage& image, const std::string& path, std::string& error,
-                      const std::string& colourSpace) {
+                      const std::string& colourSpace, Holds holds) {
     error.clear();
     try {
-        return writeImage(image, path, colourSpace, error);
+        return writeImage(image, path, colourSpace, holds, error);
     } catch (const std::bad_alloc&) {
         error = writeFailure(path, "not enough memory");
     } catch (const std::exception& ex) {

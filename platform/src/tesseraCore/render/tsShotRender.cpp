@@ -3,6 +3,7 @@
 #include <tesseraCore/io/tsClip.h>
 #include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/render/tsViewRender.h>
 #include <tesseraCore/tsKeyerNode.h>
 
 #include <oneapi/tbb/info.h>
@@ -132,7 +133,7 @@ TsShotRender::Result TsShotRender::run(const TsKeyerNode& node, const std::vecto
                     for (const Output& out : outputs) {
                         TsKeyerPass::run(*image, background.get(), settings, out.mode, keyed);
                         const std::string path = framePath(out.pattern, work.frame);
-                        if (!TsPlateIO::write(keyed, path, error, out.colourSpace)) {
+                        if (!TsViewRender::write(keyed, out.mode, path, error, out.colourSpace)) {
                             fail("frame " + std::to_string(work.frame) + ": " + error);
                             return work;
                         }

@@ -1,5 +1,6 @@
 #include <tesseraCore/render/tsViewRender.h>
 
+#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/tsKeyerNode.h>
 
 #include <base/assertions.h>
@@ -59,6 +60,13 @@ PiImagePtr TsViewRender::render(const TsKeyerNode& node, double frame, TsViewMod
     pass.setBackground(imageOf(node.getBackgroundInput(), frame));
     pass.setSettings(node.getSettings(frame));
     return pass.render(mode);
+}
+
+bool TsViewRender::write(const PiImage& view, TsViewMode mode, const std::string& path,
+                         std::string& error, const std::string& colourSpace) {
+    return TsPlateIO::write(view, path, error, colourSpace,
+                            mode == TsViewMode::Matte ? TsPlateIO::Holds::Matte
+                                                      : TsPlateIO::Holds::Rgba);
 }
 
 PiImagePtr TsViewRenderer::reducedBackground(const PiImagePtr& background, double time,
