@@ -260,7 +260,8 @@ TEST_F(StudioViewer, EveryMenuShowsItsKeyFromTheHotkeyTable) {
 }
 
 // The screenshot of docs/studio.md: the keyed demo plate with the wipe on and
-// a column of slider bars, written into docs/ when TESSERA_UPDATE_DOCS is set.
+// a column of slider bars, written to docs/images/studio.png when
+// TESSERA_UPDATE_DOCS is set.
 TEST_F(StudioViewer, AScreenshotForTheGuide) {
     for (const char* line :
          {"plate demo 640 360", "background demo", "set keyColor1 0.075 0.405 0.108",
@@ -279,7 +280,7 @@ TEST_F(StudioViewer, AScreenshotForTheGuide) {
     if (const char* update = std::getenv("TESSERA_UPDATE_DOCS"); update && *update) {
         const std::string source = std::getenv("TESSERA_SOURCE_DIR");
         EXPECT_TRUE(shot.scaledToWidth(1200, Qt::SmoothTransformation)
-                        .save(QString::fromStdString(source + "/docs/studio.png")));
+                        .save(QString::fromStdString(source + "/docs/images/studio.png")));
     }
 }
 
