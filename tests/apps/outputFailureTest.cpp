@@ -161,6 +161,8 @@ TEST_F(RecordingFailure, ARecordingThatCannotBeWrittenLaterIsKeptAndSaidSo) {
               std::string::npos)
         << studio.getStatusText().toStdString();
 
+    // The setup saved, closing asks about the recording alone.
+    ASSERT_TRUE(studio.saveSetup(path("setup.tessera")));
     studio.show();
     EXPECT_FALSE(studio.close());
     EXPECT_TRUE(studio.isVisible());
