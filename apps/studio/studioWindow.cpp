@@ -92,7 +92,7 @@ StudioWindow::StudioWindow(QWidget* parent)
     addDockWidget(Qt::RightDockWidgetArea, panelDock);
 
     _session = std::make_unique<HostSession>(centre, 960, 540, nullptr);
-    layout->addWidget(&_session->getViewer());
+    layout->addWidget(&_session->getViewer(), 1); // the viewer takes the height
     _shot = new ShotControls(
         *_session, [this](const std::string& line) { return perform(line); }, centre);
     layout->addWidget(_shot);
