@@ -64,15 +64,6 @@ protected:
     CbMethod<Counter, CbEmptyType> changed{&counter, &Counter::count};
 };
 
-TEST_F(ToolsetScene, TheFirstToolAppendedIsCurrent) {
-    EXPECT_EQ(handler->getCurrentTool(), "pick 1");
-    // A handler that joins hears of the current tool at once.
-    EXPECT_EQ(changes, 1);
-    EXPECT_EQ(handler->getCurrentMfTool(), tools["pick 1"]);
-    EXPECT_EQ(handler->getToolset()->getToolNames(),
-              (std::vector<std::string>{"pick 1", "pick 2", "sample", "adjust"}));
-}
-
 TEST_F(ToolsetScene, ATransientToolReturnsToThePreviousToolAfterOneManipulation) {
     changes = 0;
     handler->setCurrentTool("sample");
@@ -92,40 +83,6 @@ TEST_F(ToolsetScene, ATransientToolReturnsToThePreviousToolAfterOneManipulation)
     drag(2.0f, 6.0f);
     EXPECT_EQ(handler->getCurrentTool(), "sample");
     EXPECT_NEAR(amount->getTypedValue<double>(0.0), 0.75, 1e-6);
-}
-
-TEST_F(ToolsetScene, GoingFromOneTransientToolToTheOtherKeepsTheReturnTool) {
-    handler->setCurrentTool("adjust");
-    handler->setCurrentTool("pick 1");
-    handler->setCurrentTool("pick 2");
-    EXPECT_EQ(transient->getReturnTool(), "adjust");
-    drag(1.0f, 2.0f);
-    EXPECT_EQ(handler->getCurrentTool(), "adjust");
-    // Choosing a tool by hand forgets the return.
-    handler->setCurrentTool("pick 1");
-    handler->setCurrentTool("sample");
-    EXPECT_EQ(transient->getReturnTool(), "");
-}
-
-TEST_F(ToolsetScene, ATransientToolWithNothingBeforeItStays) {
-    EXPECT_EQ(handler->getCurrentTool(), "pick 1");
-    drag(1.0f, 2.0f);
-    EXPECT_EQ(handler->getCurrentTool(), "pick 1");
-}
-
-TEST_F(ToolsetScene, AnUnknownToolChangesNothingAndIsOfferedToTheViewer) {
-    handler->setCurrentTool("sample");
-    changes = 0;
-    handler->setCurrentTool("Adjust Spill");
-    EXPECT_EQ(handler->getCurrentTool(), "sample");
-    EXPECT_EQ(changes, 0);
-    EXPECT_EQ(viewer.offered, std::vector<std::string>{"Adjust Spill"});
-    EXPECT_FALSE(handler->performSetCurrentTool("Adjust Spill"));
-    // Choosing the current tool again changes nothing but is announced, so
-    // whoever chose it sees the choice confirmed.
-    handler->setCurrentTool("sample");
-    EXPECT_EQ(handler->getCurrentTool(), "sample");
-    EXPECT_EQ(changes, 1);
 }
 
 TEST_F(ToolsetScene, ChangingToolsDuringADragEndsTheDragAndItsStep) {
@@ -161,18 +118,6 @@ TEST_F(ToolsetScene, DestroyingTheHandlerDuringADragClosesTheStep) {
     plain.reset();
     EXPECT_FALSE(stack().isStepOpen());
     EXPECT_EQ(stack().getStepCount(), 1);
-}
-
-TEST_F(ToolsetScene, NamesAreUniqueAndToolsRequired) {
-    EXPECT_THROW(handler->appendTool("sample", tools["adjust"]), ExAssertionFailed);
-    EXPECT_THROW(handler->appendTool("other", RCShdPtr<MfTool>()), ExNullPtr);
-}
-
-TEST_F(ToolsetScene, OnlyTheCurrentToolDraws) {
-    handler->setCurrentTool("adjust");
-    EXPECT_EQ(viewer.paint().getItems(WsRecordingPainter::Item::Rect).size(), 1u);
-    tools["adjust"]->bar->setState(MfManipulator::Hidden);
-    EXPECT_TRUE(viewer.paint().getItems(WsRecordingPainter::Item::Rect).empty());
 }
 
 } // namespace
