@@ -27,16 +27,6 @@ TEST(SessionScript, WordsQuotesEscapesAndComments) {
     EXPECT_TRUE(words("   # only a comment").empty());
 }
 
-TEST(SessionScript, QuotingReadsBackToTheSameWord) {
-    for (const std::string w : {"plain", "two words", "", "a\"quote", "back\\slash", "#hash",
-                                "line\nbreak", "Pick Key Colour 1"}) {
-        const auto back = words("x " + TsValueText::quoteWord(w));
-        ASSERT_EQ(back.size(), 2u) << w;
-        EXPECT_EQ(back[1], w);
-    }
-    EXPECT_EQ(TsValueText::quoteWord("plain"), "plain");
-}
-
 TEST(SessionScript, LinesKeepTheirNumbersAndAnOpenQuoteNamesItsLine) {
     const SessionScript script =
         SessionScript::parse("# header\n\nplate demo\n  \nundo 2 # twice\n", "s.tss");
@@ -51,16 +41,6 @@ TEST(SessionScript, LinesKeepTheirNumbersAndAnOpenQuoteNamesItsLine) {
         EXPECT_EQ(e.getLine(), 2);
         EXPECT_EQ(std::string(e.what()).rfind("bad.tss:2: the quote opened at column 8", 0), 0u)
             << e.what();
-    }
-}
-
-TEST(SessionScript, AMissingFileIsAnErrorNamingIt) {
-    try {
-        SessionScript::read("/nonexistent/session.tss");
-        FAIL();
-    } catch (const SessionError& e) {
-        EXPECT_EQ(e.getSource(), "/nonexistent/session.tss");
-        EXPECT_EQ(e.getLine(), 0);
     }
 }
 

@@ -39,36 +39,6 @@ protected:
     RCShdPtr<MfCurrentToolEventHandler> handler;
 };
 
-TEST_F(DriverScene, PointerAndKeysArriveAtThePlatePointsWithTheirModifiers) {
-    ok("press 10 20 shift\nmove 12 22 shift\nrelease 12 22\nkey Escape ctrl");
-    ASSERT_EQ(log->log.size(), 5u);
-    EXPECT_EQ(log->log[0], "down " + at(10, 20));
-    EXPECT_EQ(log->log[1], "move " + at(12, 22));
-    EXPECT_EQ(log->log[2], "up " + at(12, 22));
-    EXPECT_EQ(log->log[3], "key down Escape " + at(12, 22)) << "keys go where the pointer is";
-    EXPECT_EQ(log->log[4], "key up Escape " + at(12, 22));
-    EXPECT_EQ(log->modifiers[0], EvKeyboardState::ShiftMask);
-    EXPECT_EQ(log->modifiers[2], 0u);
-    EXPECT_EQ(log->modifiers[3], EvKeyboardState::CtrlMask);
-}
-
-TEST_F(DriverScene, ADragIsAPressEvenMovesAndARelease) {
-    ok("drag 0 0 40 20 steps 4");
-    ASSERT_EQ(log->log.size(), 6u);
-    EXPECT_EQ(log->log[0], "down " + at(0, 0));
-    EXPECT_EQ(log->log[1], "move " + at(10, 5));
-    EXPECT_EQ(log->log[3], "move " + at(30, 15));
-    EXPECT_EQ(log->log[4], "move " + at(40, 20));
-    EXPECT_EQ(log->log[5], "up " + at(40, 20));
-}
-
-TEST_F(DriverScene, ScriptsDoNotDependOnTheWindowOrTheZoom) {
-    ok("window 200 100\nzoom 3\npan 30 20\npress 31 21\nrelease 31 21");
-    EXPECT_EQ(log->log[0], "down " + at(31, 21));
-    // The plate point at the window's centre is the one panned to.
-    ok("expect centre ~ 30 20 within 0.01\nexpect zoom == 3\nexpect window == 200 100");
-}
-
 TEST_F(DriverScene, AHotkeyGoesToTheViewerOnlyWhenItsHandlerTakesIt) {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
     const unsigned entry = registry.getEntry(UiHotkeyRegistry::TesseraDomain, "Sample Matte");
@@ -93,14 +63,6 @@ TEST_F(DriverScene, AHotkeyGoesToTheViewerOnlyWhenItsHandlerTakesIt) {
     ASSERT_EQ(log->log.size(), 6u);
     EXPECT_EQ(log->log[5], log->log[1]);
     registry.removeHotkeyHandler(entry, session->getViewer().getEventHandler());
-}
-
-TEST_F(DriverScene, AToolThatThrowsIsReportedAndTheRunGoesOn) {
-    log->throwOn = "down";
-    const std::size_t before = session->getReports().size();
-    ok("press 3 3\nrelease 3 3\nexpect report contains logging tool broke on down");
-    EXPECT_EQ(session->getReports().size(), before + 1);
-    EXPECT_EQ(log->log.back().substr(0, 2), "up");
 }
 
 TEST(ViewerDriver, APlatePointFromAWindowPointReplaysToThatWindowPoint) {

@@ -51,44 +51,6 @@ protected:
                                                                &KeyerGroupScene::onSelectChanged};
 };
 
-TEST_F(KeyerGroupScene, TheGroupHoldsBoundaryNodesAndKeyerNodes) {
-    EXPECT_EQ(group->getNodeCount(), 5);
-    EXPECT_TRUE(group->getInputNode());
-    EXPECT_TRUE(group->getOutputNode());
-    ASSERT_EQ(keyer->getKeyerNodeCount(), 3);
-    EXPECT_EQ(keyerNode(2)->getName(), "keyer3");
-    EXPECT_FALSE(rcTestCast<TsInterface3>(group->getInterface()));
-}
-
-TEST_F(KeyerGroupScene, SlotsHoldOneNodeEachAndShowItsName) {
-    EXPECT_EQ(keyer->getSlotName(0), "");
-    EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), -1);
-    ASSERT_TRUE(keyer->setSlotNode(2, keyerNode(1)));
-    EXPECT_TRUE(PiGraphObject::areEqual(keyer->getSlotNode(2), keyerNode(1)));
-    EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), 2);
-    EXPECT_EQ(keyer->getSlotName(2), "keyer2");
-    keyerNode(1)->setName("hair");
-    EXPECT_EQ(keyer->getSlotName(2), "hair");
-    // Moving a node to another slot empties the one it was in, as one step.
-    ASSERT_TRUE(keyer->setSlotNode(5, keyerNode(1)));
-    EXPECT_EQ(keyer->getNodeSlot(keyerNode(1)), 5);
-    EXPECT_FALSE(keyer->getSlotNode(2));
-    EXPECT_EQ(graph->getCommandStack().getStepNames(),
-              (std::vector<LiString>{"Assign Slot", "Rename Node", "Assign Slot"}));
-    // The group itself may sit in a slot.
-    EXPECT_TRUE(keyer->setSlotNode(0, group));
-    EXPECT_EQ(keyer->getSlotName(0), "keyer");
-}
-
-TEST_F(KeyerGroupScene, NodesOutsideTheGroupAndBadSlotsAreRefusedAndReported) {
-    EXPECT_FALSE(keyer->setSlotNode(1, stranger));
-    EXPECT_FALSE(keyer->setSlotNode(6, keyerNode(0)));
-    EXPECT_FALSE(keyer->setSlotNode(-1, keyerNode(0)));
-    EXPECT_EQ(ExReporter::getInstance().getReportCount(), 3u);
-    EXPECT_EQ(graph->getCommandStack().getStepCount(), 0);
-    EXPECT_TRUE(events.empty());
-}
-
 TEST_F(KeyerGroupScene, SlotAndSelectionChangesAnnounceTheSelectedNodeAlsoOnUndo) {
     keyer->setSlotNode(0, keyerNode(0));
     keyer->setSelectedNode(keyerNode(2));
@@ -97,15 +59,6 @@ TEST_F(KeyerGroupScene, SlotAndSelectionChangesAnnounceTheSelectedNodeAlsoOnUndo
     graph->getCommandStack().undo();
     EXPECT_EQ(events, (std::vector<std::string>{"keyer:-", "keyer:keyer3", "keyer:-", "keyer:-"}));
     EXPECT_FALSE(keyer->getSlotNode(0));
-}
-
-TEST_F(KeyerGroupScene, ASlotWhoseNodeLeftTheGroupIsEmpty) {
-    keyer->setSlotNode(3, keyerNode(2));
-    const RCShdPtr<PiNode> gone = keyerNode(2);
-    group->removeNode(gone);
-    EXPECT_FALSE(keyer->getSlotNode(3));
-    EXPECT_EQ(keyer->getSlotName(3), "");
-    EXPECT_EQ(keyer->getKeyerNodeCount(), 2);
 }
 
 TEST(KeyerGroupGenerations, TheSecondGenerationAnswersTsInterface3WithItsSelectedNodesValue) {
