@@ -241,8 +241,8 @@ class Runner:
                 return "killed", name
         return "passed", ""
 
-    def build_target(self, target):
-        r = subprocess.run(["ninja", "-C", self.build, target], stdout=subprocess.PIPE,
+    def build_target(self, *targets):
+        r = subprocess.run(["ninja", "-C", self.build, *targets], stdout=subprocess.PIPE,
                            stderr=subprocess.STDOUT, text=True)
         return r.returncode == 0
 
@@ -316,26 +316,32 @@ def main():
     # must pass for the scores to mean anything.
     pristine_dir = os.path.join(args.cache, "pristine", key)
     os.makedirs(pristine_dir, exist_ok=True)
+    # The lock is taken for the first build and the unmutated suite, and
+    # then for runs of mutants at most --hold seconds long, released between
+    # runs with a pause so that others waiting get it.
     fcntl.flock(lock, fcntl.LOCK_EX)
+    held_since = time.monotonic()
     try:
+        targets = [t for _, t, _ in LIBRARIES] + sorted(
+            {t for _, _, ts in LIBRARIES for t in ts if t != "sessions"} | {"tessera-run"})
+        if not runner.build_target(*targets):
+            raise SystemExit("mutate: the unmutated tree does not build")
         for _, target, _ in LIBRARIES:
-            if not runner.build_target(target):
-                raise SystemExit(f"mutate: {target} does not build unmutated")
             shutil.copy2(runner.library(target), pristine_dir)
         status, where = runner.run_tests(
-            sorted({t for _, _, ts in LIBRARIES for t in ts}) + COMMON_TESTS)
-    finally:
+            list(dict.fromkeys([t for _, _, ts in LIBRARIES for t in ts] + COMMON_TESTS)))
+        if status != "passed":
+            raise SystemExit(f"mutate: the unmutated suite fails ({status} in {where})")
+    except BaseException:
         fcntl.flock(lock, fcntl.LOCK_UN)
-    if status != "passed":
-        raise SystemExit(f"mutate: the unmutated suite fails ({status} in {where})")
+        raise
 
-    # The lock is taken for a run of mutants at most HOLD seconds long and
-    # released between runs, with a pause so that others waiting get it.
     results = []
     i = 0
     while i < len(chosen):
-        fcntl.flock(lock, fcntl.LOCK_EX)
-        held_since = time.monotonic()
+        if held_since is None:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            held_since = time.monotonic()
         try:
             while i < len(chosen) and time.monotonic() - held_since < args.hold:
                 m = chosen[i]
@@ -345,16 +351,11 @@ def main():
                 print(f"[{i}/{len(chosen)}] {status:12} {describe(m)} {where}", flush=True)
         finally:
             fcntl.flock(lock, fcntl.LOCK_UN)
+            held_since = None
         time.sleep(3)
 
-    # Leave the copy's build matching its sources.
-    fcntl.flock(lock, fcntl.LOCK_EX)
-    try:
-        for _, target, _ in LIBRARIES:
-            runner.build_target(target)
-    finally:
-        fcntl.flock(lock, fcntl.LOCK_UN)
-
+    # The copy's libraries are left as the last mutant built them; the next
+    # run's first build redoes the restored files (from ccache).
     with open(args.report, "w") as f:
         f.write(f"# Mutation report: seed {args.seed}, at most {args.max} mutants, "
                 f"{args.timeout} s per mutant's tests\n")

@@ -10,7 +10,9 @@
 #                       list the mutants only
 #
 # MUTATE_SEED (default 17) and MUTATE_MAX (default 40) choose the mutants,
-# MUTATE_TIMEOUT (default 60) is each mutant's time for its tests in seconds.
+# MUTATE_TIMEOUT (default 60) is each mutant's time for its tests in seconds,
+# MUTATE_HOLD (default 90) how long in seconds the lock is kept for a run of
+# mutants before it is released.
 # The same sources, seed and cap give the same mutants, so runs against two
 # versions of the tests compare: `scripts/mutate.sh --rev main` and then
 # `scripts/mutate.sh` measure the tests before and after a change to them.
@@ -18,8 +20,8 @@
 # The tree is copied to build/mutate/src and built there from the release
 # preset, so that mutants never touch the working tree; a file is rewritten
 # in the copy only when its content changed, so the copy's build redoes only
-# what changed. The shared build lock is held for the first build and then
-# for runs of mutants (see --hold in scripts/mutate.py). Mutated libraries
+# what changed. The shared build lock is held for the first build (with the
+# unmutated tests) and then for runs of mutants (see --hold in mutate.py). Mutated libraries
 # are cached under build/mutate/cache, keyed on every non-test source: a run
 # after only the tests changed compiles nothing again. scripts/mutate.py has
 # the operators, the choice of mutants and the tests each file gets.
@@ -78,10 +80,8 @@ for d, dirs, fs in os.walk(dst):
 PY
 if [ ${#list[@]} -eq 0 ]; then
     (cd "$copy" && cmake --preset release >/dev/null)
-    flock /tmp/tessera-build.lock cmake --build "$build" -j2 --target \
-        ZNtesseraUi ZNtesseraUtil ZNpluginAPI test_module test_tesseraUtil test_pluginAPI \
-        tessera-run fuzz_userActions
 fi
 exec python3 scripts/mutate.py --root "$copy" --build "$build" --cache build/mutate/cache \
     --seed "${MUTATE_SEED:-17}" --max "${MUTATE_MAX:-40}" --timeout "${MUTATE_TIMEOUT:-60}" \
+    --hold "${MUTATE_HOLD:-90}" \
     --report "$report" "${list[@]}" "${files[@]}"
