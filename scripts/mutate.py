@@ -354,8 +354,8 @@ def main():
             held_since = None
         time.sleep(3)
 
-    # The copy's libraries are left as the last mutant built them; the next
-    # run's first build redoes the restored files (from ccache).
+    # The copy's libraries are the pristine ones again; the objects of the
+    # last mutated files are rebuilt (from ccache) by the next run's first build.
     with open(args.report, "w") as f:
         f.write(f"# Mutation report: seed {args.seed}, at most {args.max} mutants, "
                 f"{args.timeout} s per mutant's tests\n")

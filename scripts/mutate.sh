@@ -9,7 +9,7 @@
 #   scripts/mutate.sh --list
 #                       list the mutants only
 #
-# MUTATE_SEED (default 17) and MUTATE_MAX (default 40) choose the mutants,
+# MUTATE_SEED (default 17) and MUTATE_MAX (default 80) choose the mutants,
 # MUTATE_TIMEOUT (default 60) is each mutant's time for its tests in seconds,
 # MUTATE_HOLD (default 90) how long in seconds the lock is kept for a run of
 # mutants before it is released.
@@ -82,6 +82,6 @@ if [ ${#list[@]} -eq 0 ]; then
     (cd "$copy" && cmake --preset release >/dev/null)
 fi
 exec python3 scripts/mutate.py --root "$copy" --build "$build" --cache build/mutate/cache \
-    --seed "${MUTATE_SEED:-17}" --max "${MUTATE_MAX:-40}" --timeout "${MUTATE_TIMEOUT:-60}" \
+    --seed "${MUTATE_SEED:-17}" --max "${MUTATE_MAX:-80}" --timeout "${MUTATE_TIMEOUT:-60}" \
     --hold "${MUTATE_HOLD:-90}" \
     --report "$report" "${list[@]}" "${files[@]}"
