@@ -1,5 +1,5 @@
-// Colour management in a session: a plate's colour space, what the viewer
-// shows through, and the choices kept by setups and undone like any edit.
+// Colour management in a session: a plate's colour space keys as the same
+// picture would in linear Rec.709, and an unknown one is refused.
 #include "sessionScene.h"
 #include "support/colourMaths.h"
 

@@ -1,6 +1,6 @@
-// Outputs under failure: a full disk (a file size limit), a link, a target
-// that is not a regular file, a recording whose file goes away. Nothing the
-// user had is lost, and the error names the file and the reason.
+// Outputs under failure: a full disk (a file size limit), a recording that
+// cannot be written. Nothing the user had is lost, and the error names the
+// file and the reason.
 #include "sessionScene.h"
 #include "studioWindow.h"
 

@@ -108,14 +108,14 @@ TEST_F(MatteValues, BroadcastsWorkOnASnapshotOfTheHandlers) {
 }
 
 TEST_F(MatteValues, TheBlendedKeyColourMixesTheKeyColoursByParameterEight) {
-    values->getKeyColor(0)->setValue({1.0f, 0.2f, 0.0f});
-    values->getKeyColor(1)->setValue({0.0f, 0.6f, 1.0f});
-    EXPECT_EQ(values->getBlendedKeyColor(), CoRgbColorTyped<float>(1.0f, 0.2f, 0.0f));
+    values->getKeyColor(0)->setValue({1.0f, 0.2f, 0.4f});
+    values->getKeyColor(1)->setValue({0.2f, 0.6f, 1.0f});
+    EXPECT_EQ(values->getBlendedKeyColor(), CoRgbColorTyped<float>(1.0f, 0.2f, 0.4f));
     values->setValue(TsMgTypes::KeyBlend, 0.25);
     const CoRgbColorTyped<float> mixed = values->getBlendedKeyColor();
-    EXPECT_FLOAT_EQ(mixed.r, 0.75f);
+    EXPECT_FLOAT_EQ(mixed.r, 0.8f);
     EXPECT_FLOAT_EQ(mixed.g, 0.3f);
-    EXPECT_FLOAT_EQ(mixed.b, 0.25f);
+    EXPECT_FLOAT_EQ(mixed.b, 0.55f);
 }
 
 } // namespace

@@ -140,6 +140,14 @@ TEST_F(SampleMatte, AColourExactlyOnAThresholdDoesNotRaiseTheLevel) {
     click(blockCentre(Key));
     click(blockCentre(HueMinus));
     EXPECT_EQ(shownBars(), std::vector<std::string>{"Edge Softness"});
+
+    // So on the third axis: exactly 0.04 of brightness raises no highlight.
+    CoRgbaColorTyped<float> bright;
+    ASSERT_TRUE(findColourOn(m, 2, 0.04f, colourAt({0.0f, 0.0f, 0.04f}, Black), bright));
+    paintPlate(70, 80, 0, 10, bright);
+    click(blockCentre(Key));
+    click(blockCentre(HueMinus));
+    EXPECT_TRUE(shownBars().empty());
 }
 
 TEST_F(SampleMatte, ABarShowsItsParameterAndFollowsChangesMadeElsewhere) {

@@ -10,9 +10,6 @@ namespace {
 const std::string& spillTool() {
     return TsSpillBlendTool::getManipToolName(2);
 }
-const std::string& blendTool() {
-    return TsSpillBlendTool::getManipToolName(3);
-}
 
 // The keyer node in the viewer's spill-and-blend stage. Bar stacks are shown
 // around world (200, 200), off the plate: the bars do not need it.

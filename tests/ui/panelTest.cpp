@@ -27,14 +27,6 @@
 
 namespace {
 
-std::vector<std::string> entries(const RCShdPtr<PiMenu>& menu) {
-    std::vector<std::string> texts;
-    for (int i = 0; i < menu->getItemCount(); ++i) {
-        texts.push_back(menu->getItemText(i));
-    }
-    return texts;
-}
-
 // A description built on its own, as the host builds it into a node widget.
 class Description {
 public:
