@@ -322,14 +322,14 @@ def main():
     fcntl.flock(lock, fcntl.LOCK_EX)
     held_since = time.monotonic()
     try:
+        tests = [t for _, _, ts in LIBRARIES for t in ts] + COMMON_TESTS
         targets = [t for _, t, _ in LIBRARIES] + sorted(
-            {t for _, _, ts in LIBRARIES for t in ts if t != "sessions"} | {"tessera-run"})
+            {t for t in tests if t != "sessions"} | {"tessera-run"})
         if not runner.build_target(*targets):
             raise SystemExit("mutate: the unmutated tree does not build")
         for _, target, _ in LIBRARIES:
             shutil.copy2(runner.library(target), pristine_dir)
-        status, where = runner.run_tests(
-            list(dict.fromkeys([t for _, _, ts in LIBRARIES for t in ts] + COMMON_TESTS)))
+        status, where = runner.run_tests(list(dict.fromkeys(tests)))
         if status != "passed":
             raise SystemExit(f"mutate: the unmutated suite fails ({status} in {where})")
     except BaseException:
