@@ -27,4 +27,11 @@ TEST(ModuleFrame, PackageNamesItsTenDependenciesInOrderAndStarts) {
                                                          "resmgt", "pluginAPI", "base"}));
 }
 
+TEST(ModuleFrame, ARegularBuildIsNoDevelopmentBuild) {
+    const auto infos = InBuildInfoUtil::listFor("tesseraUiZnmodule");
+    ASSERT_EQ(infos.size(), 1u);
+    EXPECT_EQ(infos[0]->getBuildCode(), 42);
+    EXPECT_STREQ(infos[0]->getBuildKind(), ""); // the development code is 3
+}
+
 } // namespace

@@ -41,6 +41,14 @@ TEST_F(MatteHandler, TheSampleMatteHotkeyMakesTheSampleMatteToolCurrent) {
     }
 }
 
+TEST_F(MatteHandler, TheHandlerLeavesTheHotkeysWhenItGoes) {
+    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
+    const unsigned matte = hotkeyEntry("Sample Matte");
+    EXPECT_TRUE(registry.isRegistered(matte, viewer->getEventHandler()));
+    viewer->setNode(RCShdPtr<PiNode>());
+    EXPECT_FALSE(registry.isRegistered(matte, viewer->getEventHandler()));
+}
+
 TEST_F(MatteHandler, OnlyAKeyerNodeGetsAHandler) {
     auto plain = rcMake<PiNode>("plain");
     graph->getRoot()->addNode(plain);
