@@ -42,6 +42,10 @@ struct Edit {
     const char* report;
 };
 
+void PrintTo(const Edit& e, std::ostream* os) {
+    *os << e.file << ": " << e.report;
+}
+
 class PanelDescriptions : public ::testing::TestWithParam<Edit>, public KeyerPanelScene {
 protected:
     void SetUp() override { build(1); }

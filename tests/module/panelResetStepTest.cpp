@@ -83,6 +83,10 @@ struct Reset {
     const char* step;
 };
 
+void PrintTo(const Reset& r, std::ostream* os) {
+    *os << r.panel;
+}
+
 class PanelResetStep : public StageScene, public ::testing::WithParamInterface<Reset> {
 protected:
     std::string stage() const override { return "degrain"; }
