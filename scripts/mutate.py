@@ -25,6 +25,7 @@ time out. A test failure kills the mutant; a time out is reported apart; a
 mutant that does not compile is reported and left out of the score.
 """
 import argparse
+import glob
 import hashlib
 import os
 import random
@@ -37,12 +38,14 @@ import time
 
 LOCK = "/tmp/tessera-build.lock"
 
-# The library each mutated directory builds into, and the test programs (in
-# the order they run, cheapest killers first) that cover it.
+# The libraries each mutated directory builds into (the module has a second
+# build, with every symbol visible, that the module's tests load, where the
+# tree defines it), and the test programs (in the order they run, cheapest
+# killers first) that cover it.
 LIBRARIES = [
-    ("tools/tessera/src/", "ZNtesseraUi", []),
-    ("platform/src/tesseraUtil/", "ZNtesseraUtil", ["test_tesseraUtil"]),
-    ("platform/src/pluginAPI/", "ZNpluginAPI", ["test_pluginAPI"]),
+    ("tools/tessera/src/", ["ZNtesseraUi", "ZNtesseraUiOpen"], []),
+    ("platform/src/tesseraUtil/", ["ZNtesseraUtil"], ["test_tesseraUtil"]),
+    ("platform/src/pluginAPI/", ["ZNpluginAPI"], ["test_pluginAPI"]),
 ]
 # Every mutated library is used by the module, so the module's tests, every
 # session script and the replay of the user-action corpus cover all of them.
@@ -56,9 +59,9 @@ NOT_CALLS = {"__builtin_prefetch", "return", "if", "else", "for", "while", "swit
 
 
 def library_of(path):
-    for prefix, target, tests in LIBRARIES:
+    for prefix, targets, tests in LIBRARIES:
         if path.startswith(prefix):
-            return target, tests + COMMON_TESTS
+            return targets, tests + COMMON_TESTS
     raise SystemExit(f"mutate: {path} is in no mutated library")
 
 
@@ -249,41 +252,53 @@ class Runner:
     def library(self, target):
         return os.path.join(self.build, "lib", f"lib{target}.so")
 
+    def present(self, targets):
+        """The targets the tree defines."""
+        return [t for t in targets
+                if glob.glob(os.path.join(self.build, "**", "CMakeFiles", t + ".dir"), recursive=True)]
+
     def mutant(self, mutant, key):
         """Builds (or takes from the cache) the mutant's library, swaps it in,
         runs the file's tests and puts the pristine library back."""
         path = mutant[0]
-        target, tests = library_of(path)
+        targets, tests = library_of(path)
+        targets = self.present(targets)
         ident = hashlib.sha256(f"{key}|{describe(mutant)}".encode()).hexdigest()[:20]
         cached = os.path.join(self.cache, ident)
-        lib = self.library(target)
-        pristine = os.path.join(self.cache, "pristine", key, os.path.basename(lib))
-        if not os.path.exists(cached + ".so") and not os.path.exists(cached + ".nocompile"):
+        # The first library's copy is ident.so, the others' ident.TARGET.so.
+        copies = [(self.library(t), cached + (".so" if i == 0 else f".{t}.so"))
+                  for i, t in enumerate(targets)]
+        if not all(os.path.exists(c) for _, c in copies) and not os.path.exists(
+                cached + ".nocompile"):
             source = os.path.join(self.root, path)
             with open(source) as f:
                 original = f.read()
             try:
                 with open(source, "w") as f:
                     f.write(apply(original, mutant))
-                ok = self.build_target(target)
+                ok = self.build_target(*targets)
             finally:
                 with open(source, "w") as f:
                     f.write(original)
             if ok:
-                shutil.copy2(lib, cached + ".so.part")
-                os.replace(cached + ".so.part", cached + ".so")
+                for lib, copy in copies:
+                    shutil.copy2(lib, copy + ".part")
+                    os.replace(copy + ".part", copy)
             else:
                 open(cached + ".nocompile", "w").close()
             # The restored file is rebuilt (from ccache) before the next mutant.
         if os.path.exists(cached + ".nocompile"):
             return "not compiled", ""
-        shutil.copy2(cached + ".so", lib + ".mutant")
-        os.replace(lib + ".mutant", lib)
+        for lib, copy in copies:
+            shutil.copy2(copy, lib + ".mutant")
+            os.replace(lib + ".mutant", lib)
         try:
             return self.run_tests(tests)
         finally:
-            shutil.copy2(pristine, lib + ".pristine")
-            os.replace(lib + ".pristine", lib)
+            for lib, _ in copies:
+                pristine = os.path.join(self.cache, "pristine", key, os.path.basename(lib))
+                shutil.copy2(pristine, lib + ".pristine")
+                os.replace(lib + ".pristine", lib)
 
 
 def main():
@@ -323,11 +338,11 @@ def main():
     held_since = time.monotonic()
     try:
         tests = [t for _, _, ts in LIBRARIES for t in ts] + COMMON_TESTS
-        targets = [t for _, t, _ in LIBRARIES] + sorted(
-            {t for t in tests if t != "sessions"} | {"tessera-run"})
+        libraries = runner.present([t for _, ts, _ in LIBRARIES for t in ts])
+        targets = libraries + sorted({t for t in tests if t != "sessions"} | {"tessera-run"})
         if not runner.build_target(*targets):
             raise SystemExit("mutate: the unmutated tree does not build")
-        for _, target, _ in LIBRARIES:
+        for target in libraries:
             shutil.copy2(runner.library(target), pristine_dir)
         status, where = runner.run_tests(list(dict.fromkeys(tests)))
         if status != "passed":
