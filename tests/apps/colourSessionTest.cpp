@@ -1,5 +1,5 @@
-// Colour management in a session: a plate's colour space, what the viewer
-// shows through, and the choices kept by setups and undone like any edit.
+// Colour management in a session: a plate's colour space keys as the same
+// picture would in linear Rec.709, and an unknown one is refused.
 #include "sessionScene.h"
 #include "support/colourMaths.h"
 
@@ -83,31 +83,6 @@ TEST_F(ColourSession, AnAcesCgPlateKeysLikeTheSamePictureInLinearRec709) {
     EXPECT_LT(sum, 0.9 * linear->getPixelCount()) << "the matte is not all white";
 }
 
-// Display, view, exposure and gamma change the screen: the same drag picks
-// the same key colour, and the keyer writes the same pixels.
-TEST_F(ColourSession, TheViewerTransformChangesWhatIsShownOnly) {
-    ok("plate demo 320 180\nbackground demo\nview composite");
-    const QImage standard = session->getViewer().grab().toImage();
-    ok("drag 4 176 20 160 steps 4\nwrite comp standard.exr\nwrite comp standard.png");
-    const std::string picked = answer("input keyColor1");
-    ok("undo\ndisplay sRGB view Raw\nexposure 2.5\ngamma 1.8\n"
-       "expect display == sRGB view Raw\nexpect exposure == 2.5\nexpect gamma == 1.8");
-    EXPECT_NE(session->getViewer().grab().toImage(), standard);
-    ok("drag 4 176 20 160 steps 4\nwrite comp graded.exr\nwrite comp graded.png");
-    EXPECT_EQ(answer("input keyColor1"), picked);
-    for (const char* kind : {"exr", "png"}) {
-        std::string error;
-        const PiImagePtr a = TsPlateIO::read(path(std::string("standard.") + kind), error);
-        const PiImagePtr b = TsPlateIO::read(path(std::string("graded.") + kind), error);
-        ASSERT_TRUE(a && b) << error;
-        EXPECT_EQ(std::memcmp(a->data(), b->data(), 16 * a->getPixelCount()), 0) << kind;
-    }
-    EXPECT_EQ(run("display P3"),
-              "test.tss:1: display \"P3\" is not in the colour configuration \"" +
-                  TsColour::getShippedConfigPath() + "\" (it has: sRGB)");
-    EXPECT_EQ(run("gamma 0"), "test.tss:1: a gamma is a number above 0");
-}
-
 TEST_F(ColourSession, AnUnknownColourSpaceStopsTheLineAndChangesNothing) {
     std::string error;
     ASSERT_TRUE(TsPlateIO::write(PiImage(8, 8, {0.2f, 0.4f, 0.1f, 1.0f}), path("p.exr"), error));
@@ -131,26 +106,6 @@ TEST_F(ColourSession, AnUnknownColourSpaceStopsTheLineAndChangesNothing) {
                          0),
               0u);
     ok("expect colorspace plate == Linear Rec.709\nexpect undo count == 0");
-}
-
-// The plate's colour space is the keyer's choice: an undo step, saved with
-// the setup, and the plate is read again in it.
-TEST_F(ColourSession, APlatesColourSpaceIsAnEditKeptBySetups) {
-    std::string error;
-    ASSERT_TRUE(TsPlateIO::write(PiImage(8, 8, {0.5f, 0.25f, 0.125f, 1.0f}), path("p.exr"), error,
-                                 "ACEScg"));
-    ok("plate p.exr\nexpect colorspace plate == ACEScg\n"
-       "expect pixel source 1 1 ~ 0.5 0.25 0.125 1 within 1e-5");
-    ok("plate colorspace Raw\nexpect undo == Plate Colour Space\nexpect colorspace plate == Raw");
-    const std::string raw = answer("pixel source 1 1");
-    EXPECT_NE(raw, "0.5 0.25 0.125 1") << "the ACEScg values, taken as they are";
-    ok("save raw.tessera\nundo\nexpect colorspace plate == ACEScg");
-    ok("expect pixel source 1 1 ~ 0.5 0.25 0.125 1 within 1e-5");
-    ok("load raw.tessera\nexpect colorspace plate == Raw");
-    EXPECT_EQ(answer("pixel source 1 1"), raw);
-    std::ifstream setup(path("raw.tessera"));
-    const std::string text((std::istreambuf_iterator<char>(setup)), {});
-    EXPECT_NE(text.find("input \"plateColorSpace\" strings 1 \"Raw\""), std::string::npos) << text;
 }
 
 } // namespace

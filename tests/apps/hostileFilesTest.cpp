@@ -131,28 +131,4 @@ TEST_F(HostileFiles, WhatIsNotARegularFileWithinItsLimitIsRefusedBeforeItIsRead)
                          "description may hold)");
 }
 
-TEST_F(HostileFiles, ASessionScriptIsAReadableFileOrStandardInputAndItsErrorsHaveALine) {
-    const ProgramResult folder = runProgram(Runner + " " + dir.string() + " 2>&1");
-    EXPECT_EQ(folder.status, 2) << folder.out;
-    EXPECT_NE(folder.out.find(dir.string() +
-                              ": cannot read the session script: it is a directory, not a "
-                              "regular file"),
-              std::string::npos)
-        << folder.out;
-    const ProgramResult fifo = runProgram("timeout 60 " + Runner + " " + (dir / "pipe").string());
-    EXPECT_EQ(fifo.status, 2);
-
-    const ProgramResult piped =
-        runProgram("printf 'plate demo 64 64\\nprint plate\\n' | " + Runner + " --quiet - 2>&1");
-    EXPECT_EQ(piped.status, 0) << piped.out;
-    EXPECT_NE(piped.out.find("plate = demo 64x64"), std::string::npos) << piped.out;
-
-    const std::string quote = (dir / "quote.tss").string();
-    std::ofstream(quote) << "plate demo 64 64\n\necho \"unclosed\n";
-    const ProgramResult unclosed = runProgram(Runner + " " + quote + " 2>&1");
-    EXPECT_EQ(unclosed.status, 1) << unclosed.out;
-    EXPECT_EQ(unclosed.out,
-              "tessera-run: " + quote + ":3: the quote opened at column 6 is not closed\n");
-}
-
 } // namespace

@@ -79,49 +79,6 @@ TEST_F(Limits, APanelDescriptionNestedTooDeepOrTooLargeIsRefusedWithItsLine) {
               "panel description " + path("wide.ui") + ":10003: more than 10000 widgets (refused)");
 }
 
-TEST_F(Limits, ANodeNameFollowsOneRuleOnEveryPath) {
-    ok("keyer nodes 2");
-    const std::string longest(ZnLimits::NameBytes, 'n');
-    const std::string tooLong = longest + "n";
-    const std::vector<std::pair<std::string, std::string>> wrong = {
-        {"a/b", "a node's name holds no '/'"},
-        {"", "a node's name is not empty"},
-        {"a\tb", "a node's name holds no control character (a newline, a tab, ...)"},
-        {tooLong, "a node's name is at most 255 bytes long, not 256"}};
-    for (const auto& [name, why] : wrong) {
-        EXPECT_EQ(run("rename keyer1 " + TsValueText::quoteWord(name)), "test.tss:1: " + why);
-        LiString error;
-        EXPECT_FALSE(TsSetup::read(shown(), "tessera-setup 1\nnode \"" + name + "\"\nend\n",
-                                   "bad.setup", error));
-        EXPECT_EQ(error, "bad.setup:2: " + (name.size() > ZnLimits::NameBytes
-                                                ? "a name of 256 bytes (at most 255)"
-                                                : "node \"" + name + "\": " + why));
-    }
-    EXPECT_EQ(session->findNode("keyer1")->getName(), "keyer1");
-
-    // The longest name is taken; a second node given it gets a number that
-    // fits, and the setup of both loads back (beside a new keyer's node).
-    ok("rename keyer1 " + longest + "\nrename keyer2 " + longest + "\nsave both.tessera\n" +
-       "keyer nodes 1\nload both.tessera\n");
-    EXPECT_EQ(run("expect nodes == keyer1, " + longest + ", " + longest.substr(1) + "2"), "");
-
-    // A name of megabytes is refused by its length, not carried through the
-    // load.
-    LiString error;
-    EXPECT_FALSE(TsSetup::read(shown(),
-                               "tessera-setup 1\nnode \"" + std::string(10 << 20, 'x') + "\"\n",
-                               "huge.setup", error));
-    EXPECT_EQ(error, "huge.setup:2: a name of 10485760 bytes (at most 255)");
-
-    // So is a setup of more keyer nodes than a group may be given.
-    std::string many = "tessera-setup 1\ngroup \"Tessera\" generation 1\n";
-    for (std::size_t i = 0; i <= ZnLimits::SetupNodes; ++i) {
-        many += "node \"n" + std::to_string(i) + "\"\n";
-    }
-    EXPECT_FALSE(TsSetup::read(*session->getKeyer(), many + "end\n", "many.setup", error));
-    EXPECT_EQ(error, "many.setup:1003: more than 1000 keyer nodes");
-}
-
 // Memory that runs out in a command (here the address space limited to a
 // little more than the process has) fails that command with "not enough
 // memory"; the session, its plate and its history are as they were, and

@@ -27,16 +27,6 @@ TEST(SessionScript, WordsQuotesEscapesAndComments) {
     EXPECT_TRUE(words("   # only a comment").empty());
 }
 
-TEST(SessionScript, QuotingReadsBackToTheSameWord) {
-    for (const std::string w : {"plain", "two words", "", "a\"quote", "back\\slash", "#hash",
-                                "line\nbreak", "Pick Key Colour 1"}) {
-        const auto back = words("x " + TsValueText::quoteWord(w));
-        ASSERT_EQ(back.size(), 2u) << w;
-        EXPECT_EQ(back[1], w);
-    }
-    EXPECT_EQ(TsValueText::quoteWord("plain"), "plain");
-}
-
 TEST(SessionScript, LinesKeepTheirNumbersAndAnOpenQuoteNamesItsLine) {
     const SessionScript script =
         SessionScript::parse("# header\n\nplate demo\n  \nundo 2 # twice\n", "s.tss");
@@ -52,49 +42,6 @@ TEST(SessionScript, LinesKeepTheirNumbersAndAnOpenQuoteNamesItsLine) {
         EXPECT_EQ(std::string(e.what()).rfind("bad.tss:2: the quote opened at column 8", 0), 0u)
             << e.what();
     }
-}
-
-TEST(SessionScript, AMissingFileIsAnErrorNamingIt) {
-    try {
-        SessionScript::read("/nonexistent/session.tss");
-        FAIL();
-    } catch (const SessionError& e) {
-        EXPECT_EQ(e.getSource(), "/nonexistent/session.tss");
-        EXPECT_EQ(e.getLine(), 0);
-    }
-}
-
-TEST(SessionArgs, NumbersAreDecimalsAndNothingElse) {
-    double v = 0.0;
-    for (const char* good : {"1", "-2.5e3", "+4", "0.125", ".5", "1E-2"}) {
-        EXPECT_TRUE(SessionArgs::parseNumber(good, v)) << good;
-    }
-    EXPECT_TRUE(SessionArgs::parseNumber("-2.5e3", v));
-    EXPECT_EQ(v, -2500.0);
-    for (const char* bad : {"", "nan", "inf", "-inf", "0x10", "1.5x", "1,5", "--1", "1e999"}) {
-        EXPECT_FALSE(SessionArgs::parseNumber(bad, v)) << bad;
-    }
-    // The shortest text reads back exactly.
-    for (double d : {0.1, 1.0 / 3.0, 1e-7, 123456.789}) {
-        ASSERT_TRUE(SessionArgs::parseNumber(SessionArgs::format(d), v));
-        EXPECT_EQ(v, d);
-    }
-    EXPECT_EQ(SessionArgs::format(0.5f), "0.5");
-}
-
-TEST(SessionArgs, ModifiersAndButtonsInAnyOrderAndNothingElse) {
-    const std::vector<std::string> w{"press", "shift", "right", "ctrl"};
-    const std::vector<bool> q(w.size(), false);
-    SessionArgs args(w, q);
-    unsigned m = 0;
-    EvButton b = EvButton::Left;
-    args.modifiersAndButton(m, &b);
-    EXPECT_EQ(m, EvKeyboardState::ShiftMask | EvKeyboardState::CtrlMask);
-    EXPECT_EQ(b, EvButton::Right);
-
-    const std::vector<std::string> bad{"move", "shift", "left"};
-    SessionArgs moveArgs(bad, q);
-    EXPECT_THROW(moveArgs.modifiersAndButton(m, nullptr), SessionArgs::Error);
 }
 
 TEST(SessionCompare, NumbersCompareAsNumbersAndTextAsWords) {

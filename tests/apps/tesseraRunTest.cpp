@@ -64,69 +64,9 @@ TEST_F(TesseraRunScene, ABadScriptFailsWithItsFileAndLine) {
         << failed.out;
 }
 
-TEST_F(TesseraRunScene, UsageErrorsExitWithTwo) {
-    EXPECT_EQ(run(runner + " --frobnicate").status, 2);
-    EXPECT_EQ(run(runner + " a.tss b.tss").status, 2);
-    const Result missing = run(runner + " " + (dir / "none.tss").string());
-    EXPECT_EQ(missing.status, 2);
-    EXPECT_NE(missing.out.find("none.tss: cannot read the session script"), std::string::npos)
-        << missing.out;
-    const Result help = run(runner + " --help");
-    EXPECT_EQ(help.status, 0);
-    EXPECT_NE(help.out.find("usage: tessera-run [SESSION]"), std::string::npos);
-}
-
-TEST_F(TesseraRunScene, FilesAreReadBesideTheScriptAndWrittenUnderTheOutputDirectory) {
-    std::filesystem::create_directories(dir / "in");
-    script("in/make.tss", "plate demo 128 72\nset overall 0.3\nsave setups/a.tessera\n"
-                          "write source plates/p.exr\n");
-    const Result made =
-        run("cd " + dir.string() + " && " + runner + " --quiet in/make.tss --out in");
-    ASSERT_EQ(made.status, 0) << made.out;
-    ASSERT_TRUE(std::filesystem::exists(dir / "in/setups/a.tessera"));
-    script("in/use.tss", "plate plates/p.exr\nload setups/a.tessera\nexpect input overall == 0.3\n"
-                         "expect plate == plates/p.exr 128x72\nwrite matte m.exr\n");
-    const Result used = run("cd " + dir.string() + " && " + runner + " --quiet in/use.tss");
-    ASSERT_EQ(used.status, 0) << used.out;
-    EXPECT_TRUE(std::filesystem::exists(dir / "m.exr")) << "outputs go to the current directory";
-}
-
-TEST_F(TesseraRunScene, PrintGoesToStandardOutput) {
-    const std::string s = script("p.tss", "keyer nodes 2\nprint nodes\necho done\n");
-    const Result r = run(runner + " --quiet " + s);
-    EXPECT_EQ(r.status, 0);
-    EXPECT_NE(r.out.find("nodes = keyer1, keyer2\ndone\n"), std::string::npos) << r.out;
-}
-
 } // namespace
 
 namespace {
-
-TEST_F(TesseraRunScene, WithoutArgumentsTheDemoKeysTheDemoPlateAndWritesItsOutputs) {
-    const Result r = run("cd " + dir.string() + " && " + runner + " --quiet");
-    ASSERT_EQ(r.status, 0) << r.out;
-    for (const char* file :
-         {"matte.exr", "comp.png", "status.png", "viewer.png", "setup.tessera", "summary.txt"}) {
-        EXPECT_TRUE(std::filesystem::exists(dir / "out" / file)) << file;
-    }
-    std::ifstream in(dir / "out/summary.txt");
-    const std::string summary((std::istreambuf_iterator<char>(in)),
-                              std::istreambuf_iterator<char>());
-    EXPECT_NE(r.out.find(summary), std::string::npos) << "the demo prints its summary";
-    for (const char* part : {"plate:      demo (1280 x 720)", "  inside   ", "  outside  ",
-                             "  edges    ", "undo history: ", "  1. Pick Key Colour\n"}) {
-        EXPECT_NE(summary.find(part), std::string::npos) << part << "\n" << summary;
-    }
-    // A patch made by naming it is listed as one.
-    EXPECT_NE(summary.find("  3. New Patch\n"), std::string::npos) << summary;
-    // The written setup loads back into a session of its own.
-    std::ofstream(dir / "check.tss") << "load out/setup.tessera\n"
-                                     << "expect input overall ~ 0.3 within 0.01\n"
-                                     << "expect input spill.amount ~ 0.73 within 0.02\n"
-                                     << "expect input degrain.on == true\n";
-    const Result check = run("cd " + dir.string() + " && " + runner + " --quiet check.tss");
-    EXPECT_EQ(check.status, 0) << check.out;
-}
 
 // Every session-script example of the docs (a block fenced as ```tss in
 // docs/*.md) runs, so that the docs say what tessera-run does. An example

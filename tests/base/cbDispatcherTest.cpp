@@ -27,26 +27,6 @@ struct Recorder : CbHandler<const int> {
     std::function<void()> action;
 };
 
-TEST(CbDispatcher, CallsHandlersInRegistrationOrderWithoutDuplicates) {
-    std::vector<int> log;
-    CbDispatcher<const int> d;
-    Recorder a(log, 1), b(log, 2);
-    d.addHandler(&b);
-    d.addHandler(&a);
-    d.addHandler(&b); // duplicate: ignored
-    d.addHandler(nullptr);
-    EXPECT_EQ(d.size(), 2u);
-    EXPECT_EQ(b.getDispatchers().size(), 1u);
-    const int value = 7;
-    d.call(value);
-    EXPECT_EQ(log, (std::vector<int>{207, 107}));
-
-    Recorder stranger(log, 3);
-    d.removeHandler(&stranger); // never added: nothing happens
-    d.removeHandler(nullptr);
-    EXPECT_EQ(d.size(), 2u);
-}
-
 TEST(CbDispatcher, HandlerRemovedDuringCallIsNotCalledAfterwards) {
     std::vector<int> log;
     CbDispatcher<const int> d;
@@ -108,25 +88,5 @@ struct Owner {
     int empties = 0;
     std::vector<int> data;
 };
-
-TEST(CbMethod, AdaptersCallTheirOwnersWithTheirData) {
-    Owner owner;
-    CbDispatcher<CbEmptyType> empty;
-    CbMethod<Owner, CbEmptyType> m(&owner, &Owner::onEmpty);
-    CbDataMethod<Owner, CbEmptyType, int> dm;
-    dm.set(&owner, &Owner::onParam, 4);
-    empty.addHandler(&m);
-    empty.addHandler(&dm);
-    empty.call();
-    EXPECT_EQ(owner.empties, 1);
-    EXPECT_EQ(owner.data, (std::vector<int>{4}));
-
-    CbDispatcher<const int> typed;
-    CbDataMethod<Owner, const int, int> em(&owner, &Owner::onEvent, 3);
-    typed.addHandler(&em);
-    const int payload = 2;
-    typed.call(payload);
-    EXPECT_EQ(owner.data, (std::vector<int>{4, 23}));
-}
 
 } // namespace

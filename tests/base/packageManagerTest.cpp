@@ -140,19 +140,4 @@ struct RecordInfo : InBuildInfo {
     int& deaths;
 };
 
-TEST(InBuildInfoUtil, TakesOwnershipAndListsRecords) {
-    int deaths = 0;
-    OPtr<InBuildInfo> record(new RecordInfo(deaths));
-    InBuildInfo* raw = record.get();
-    const InBuildInfo& registered = InBuildInfoUtil::registerInfo(std::move(record));
-    EXPECT_EQ(&registered, raw);
-    EXPECT_FALSE(record);
-    const auto all = InBuildInfoUtil::list();
-    EXPECT_TRUE(std::any_of(all.begin(), all.end(),
-                            [raw](const InBuildInfoUtil::Entry& e) { return e.info == raw; }));
-    EXPECT_EQ(InBuildInfoUtil::registerInfo(OPtr<InBuildInfo>()).getLibraryName(), std::string(""));
-    InBuildInfoUtil::dropFor("");
-    EXPECT_EQ(deaths, 1);
-}
-
 } // namespace

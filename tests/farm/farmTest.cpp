@@ -1,7 +1,6 @@
-// tessera-farm without a cluster: frame lists and their chunks, the
-// scheduler's task lines, the batch script read back and run by hand, and
-// the command lines and sessions it refuses. tests/farm/cluster.sh runs it on
-// a real Slurm cluster.
+// tessera-farm without a cluster: frame lists and their chunks, the batch
+// script run by hand, and the command lines and sessions it refuses.
+// tests/farm/cluster.sh runs it on a real Slurm cluster.
 #include "farmJob.h"
 #include "slurm.h"
 #include "support/runProgram.h"
@@ -54,26 +53,6 @@ TEST(FrameList, ListsAreJoinedInOrderAndCutIntoChunks) {
     }
 }
 
-TEST(Slurm, TaskLinesOfSqueueAndSacct) {
-    std::vector<Slurm::Task> tasks;
-    EXPECT_TRUE(Slurm::parseTaskLine("42_3|RUNNING|shot.1-6|/out", "42", tasks));
-    // Tasks not started yet are one line, with a limit on those running at once.
-    EXPECT_TRUE(Slurm::parseTaskLine("42_[4-6,9%2]|PENDING|shot.1-6|/out", "42", tasks));
-    EXPECT_FALSE(Slurm::parseTaskLine("421_3|RUNNING|other|/out", "42", tasks));
-    EXPECT_FALSE(Slurm::parseTaskLine("42|COMPLETED|other|/out", "42", tasks));
-    EXPECT_FALSE(Slurm::parseTaskLine("42_[4-x]|PENDING|shot.1-6|/out", "42", tasks));
-    std::vector<int> indices;
-    for (const Slurm::Task& t : tasks) {
-        indices.push_back(t.index);
-        EXPECT_EQ(t.name, "shot.1-6");
-        EXPECT_EQ(t.workDir, "/out");
-    }
-    EXPECT_EQ(indices, (std::vector<int>{3, 4, 5, 6, 9}));
-    EXPECT_EQ(Slurm::phaseOf("CANCELLED by 0"), Slurm::Phase::Failed);
-    EXPECT_EQ(Slurm::phaseOf("REQUEUED"), Slurm::Phase::Pending);
-    EXPECT_EQ(Slurm::phaseOf("COMPLETING"), Slurm::Phase::Running);
-}
-
 class FarmScript : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -89,37 +68,6 @@ protected:
     static ProgramResult run(const std::string& command) { return runProgram(command + " 2>&1"); }
     std::string dir;
 };
-
-TEST_F(FarmScript, ReadsBackWhatItRecords) {
-    FarmJob job;
-    std::string error;
-    job.session = dir + "/shot.tss";
-    job.outDir = dir + "/out";
-    ASSERT_TRUE(FrameList::parse("1-4,7", job.frames, error));
-    job.chunk = 3;
-    job.retries = 0;
-    job.partition = "render";
-    job.cpus = 8;
-    job.missing = "hold";
-    job.program = "/opt/tessera/bin/tessera-run";
-    job.module = "/opt/tessera/lib/libZNtesseraUi.so";
-    job.resources = "/opt/tessera/lib:/studio/resources";
-    job.ocio = "/studio/config.ocio";
-    job.outputs = {dir + "/out/matte.####.exr", "/elsewhere/comp.%04d.png"};
-    const std::string path = dir + "/job.sbatch";
-    std::ofstream(path) << job.script();
-
-    FarmJob read;
-    ASSERT_TRUE(FarmJob::read(path, read, error)) << error;
-    EXPECT_EQ(read.script(), job.script());
-    EXPECT_EQ(read.getName(), "shot.1-7.5-frames");
-    EXPECT_EQ(run("bash -n " + shellWord(path)).status, 0);
-
-    std::ofstream(path) << "#!/bin/bash\n# tessera-farm session: " << job.session
-                        << "\n# tessera-farm chunk: many\n";
-    EXPECT_FALSE(FarmJob::read(path, read, error));
-    EXPECT_NE(error.find(path + ":3: bad chunk \"many\""), std::string::npos) << error;
-}
 
 // The script runs a chunk by hand as a farm node does; verify then names the
 // frames of the other chunks, and its command renders only those.

@@ -82,28 +82,6 @@ protected:
     RCShdPtr<MfToolset> toolset;
 };
 
-TEST_F(ToolScene, ADragIsOneNamedStepAndUndoRestoresTheValue) {
-    auto p = press(onBar(0));
-    EXPECT_TRUE(viewer.deliver(p));
-    EXPECT_TRUE(p.isProcessed());
-    EXPECT_TRUE(tool->isManipulating());
-    for (float x = 0; x <= 60; x += 6) {
-        auto m = move(onBar(x));
-        EXPECT_TRUE(viewer.deliver(m));
-    }
-    auto r = release(onBar(60));
-    EXPECT_TRUE(viewer.deliver(r));
-    EXPECT_FALSE(tool->isManipulating());
-
-    EXPECT_DOUBLE_EQ(amountValue(), 0.8);
-    ASSERT_EQ(stack().getStepCount(), 1);
-    EXPECT_EQ(stack().getStepNames()[0], "Set Amount");
-    EXPECT_EQ(stack().getRecordCount(0), 1);
-    EXPECT_FALSE(stack().isStepOpen());
-    ASSERT_TRUE(stack().undo());
-    EXPECT_DOUBLE_EQ(amountValue(), 0.5);
-}
-
 TEST_F(ToolScene, TheProtocolRunsInOrderAndAReleaseWhereTheLastMoveWasIsNotMonitoredTwice) {
     auto p = press(onBar(10));
     viewer.deliver(p);
@@ -152,51 +130,6 @@ TEST_F(ToolScene, ARangeManipulatorDraggedPastItsEndsStopsAtThem) {
     EXPECT_EQ(stack().getStepCount(), 1);
 }
 
-TEST_F(ToolScene, PressesOffTheBarOrWithoutItsPredicatesDoNotGrasp) {
-    auto miss = press(onBar(150));
-    EXPECT_FALSE(viewer.deliver(miss));
-    // Over the bar, an event that does not grasp still gives feedback.
-    auto rightButton = press(onBar(0), 0, EvButton::Right);
-    EXPECT_TRUE(viewer.deliver(rightButton));
-    EXPECT_FALSE(tool->isManipulating());
-    EXPECT_EQ(tool->getFeedbackManipulator(), tool->bar.get());
-
-    tool->bar->addGraspEventPredicate(MfEventPredicates::isKeyModifierOn(4));
-    auto plain = press(onBar(0));
-    viewer.deliver(plain);
-    EXPECT_FALSE(tool->isManipulating());
-    auto withCtrl = press(onBar(0), EvKeyboardState::CtrlMask);
-    EXPECT_TRUE(viewer.deliver(withCtrl));
-    EXPECT_TRUE(tool->isManipulating());
-    EXPECT_EQ(tool->getFeedbackManipulator(), nullptr);
-}
-
-TEST_F(ToolScene, TheDisplayListFollowsTheDrag) {
-    auto handleOf = [&](const WsRecordingPainter& painter) {
-        // The handle is the filled rectangle narrower than the bar.
-        for (const auto& item : painter.getItems(WsRecordingPainter::Item::FilledRect)) {
-            if (item.x1 - item.x0 < 20.0f) {
-                return 0.5f * (item.x0 + item.x1);
-            }
-        }
-        return -1.0f;
-    };
-    EXPECT_FLOAT_EQ(handleOf(viewer.paint()), 90.0f);
-    ASSERT_NE(viewer.painter.findText("Amount"), nullptr);
-
-    auto p = press(onBar(0));
-    viewer.deliver(p);
-    auto m = move(onBar(40));
-    viewer.deliver(m);
-    EXPECT_FLOAT_EQ(handleOf(viewer.paint()), 130.0f);
-    auto r = release(onBar(40));
-    viewer.deliver(r);
-    stack().undo();
-    // The tool does not listen to its input: it keeps the bar where it was
-    // dragged until told otherwise.
-    EXPECT_FLOAT_EQ(handleOf(viewer.paint()), 130.0f);
-}
-
 TEST_F(ToolScene, AThrowingToolIsAbandonedAndLeavesNoOpenStep) {
     tool->throwIn = "monitor";
     auto p = press(onBar(0));
@@ -225,56 +158,6 @@ TEST_F(ToolScene, AThrowingToolIsAbandonedAndLeavesNoOpenStep) {
     EXPECT_DOUBLE_EQ(amountValue(), 0.0);
     EXPECT_EQ(stack().getStepCount(), 2);
     EXPECT_FALSE(stack().isStepOpen());
-}
-
-TEST_F(ToolScene, AFailingGraspLeavesTheToolIdle) {
-    tool->throwIn = "initiate";
-    auto p = press(onBar(0));
-    EXPECT_THROW(viewer.deliver(p), std::runtime_error);
-    EXPECT_FALSE(tool->isManipulating());
-    EXPECT_FALSE(stack().isStepOpen());
-    EXPECT_EQ(stack().getStepCount(), 0);
-}
-
-TEST_F(ToolScene, LosingTheFocusEndsTheDragAsARelease) {
-    auto p = press(onBar(0));
-    viewer.deliver(p);
-    auto m = move(onBar(20));
-    viewer.deliver(m);
-    EvFocusOutEvent focus;
-    EXPECT_TRUE(viewer.deliver(focus));
-    EXPECT_FALSE(tool->isManipulating());
-    EXPECT_EQ(tool->log.back(), "finalize");
-    EXPECT_FALSE(stack().isStepOpen());
-    EXPECT_EQ(stack().getStepCount(), 1);
-}
-
-TEST_F(ToolScene, FeedbackHighlightsAndEndsWithTheEventMarkedProcessed) {
-    auto over = move(onBar(0), 0, EvButton::None);
-    EXPECT_TRUE(viewer.deliver(over));
-    EXPECT_EQ(tool->getFeedbackManipulator(), tool->bar.get());
-    EXPECT_TRUE(tool->bar->isHighlighted());
-
-    auto away = move(onBar(300), 0, EvButton::None);
-    EXPECT_TRUE(viewer.deliver(away));
-    EXPECT_TRUE(away.isProcessed());
-    EXPECT_EQ(tool->getFeedbackManipulator(), nullptr);
-    EXPECT_FALSE(tool->bar->isHighlighted());
-
-    auto stillAway = move(onBar(310), 0, EvButton::None);
-    EXPECT_FALSE(viewer.deliver(stillAway));
-}
-
-TEST_F(ToolScene, TheActiveCursorIsTheManipulatorsWhileItGivesFeedback) {
-    const auto move_ = WsCursorRegistry::getInstance().getCursor(WsCursorRegistry::SizeHor);
-    tool->bar->setCursor(move_);
-    EXPECT_FALSE(MfEventHandlerUtil::getCursor(*viewer.handler));
-    auto over = move(onBar(0), 0, EvButton::None);
-    viewer.deliver(over);
-    EXPECT_EQ(MfEventHandlerUtil::getCursor(*viewer.handler), move_);
-    auto away = move(onBar(300), 0, EvButton::None);
-    viewer.deliver(away);
-    EXPECT_FALSE(MfEventHandlerUtil::getCursor(*viewer.handler));
 }
 
 TEST_F(ToolScene, ABarKeepsItsSizeOnScreenWhenZoomingWhateverItsScalingBehaviour) {

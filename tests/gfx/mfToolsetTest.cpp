@@ -95,47 +95,6 @@ TEST_F(ToolsetScene, ATransientToolReturnsToThePreviousToolAfterOneManipulation)
     EXPECT_NEAR(amount->getTypedValue<double>(0.0), 0.75, 1e-6);
 }
 
-TEST_F(ToolsetScene, GoingFromOneTransientToolToTheOtherKeepsTheReturnTool) {
-    handler->setCurrentTool("adjust");
-    handler->setCurrentTool("pick 1");
-    handler->setCurrentTool("pick 2");
-    EXPECT_EQ(transient->getReturnTool(), "adjust");
-    drag(1.0f, 2.0f);
-    EXPECT_EQ(handler->getCurrentTool(), "adjust");
-    // Choosing a tool by hand forgets the return.
-    handler->setCurrentTool("pick 1");
-    handler->setCurrentTool("sample");
-    EXPECT_EQ(transient->getReturnTool(), "");
-}
-
-TEST_F(ToolsetScene, ATransientToolWithNothingBeforeItStays) {
-    // A set of transient tools alone starts on its first.
-    auto picks =
-        rcMake<MfTransientToolToolset>(viewer, rcMake<MfToolset>(viewer), "pick 1", "pick 2");
-    viewer.handler = handler = rcMake<MfCurrentToolEventHandler>(picks);
-    handler->appendTool("pick 1", rcMake<BarTool>(amount));
-    handler->appendTool("pick 2", rcMake<BarTool>(amount));
-    EXPECT_EQ(handler->getCurrentTool(), "pick 1");
-    drag(1.0f, 2.0f);
-    EXPECT_EQ(handler->getCurrentTool(), "pick 1");
-    EXPECT_EQ(stack().getStepCount(), 1);
-}
-
-TEST_F(ToolsetScene, AnUnknownToolChangesNothingAndIsOfferedToTheViewer) {
-    handler->setCurrentTool("sample");
-    changes = 0;
-    handler->setCurrentTool("Adjust Spill");
-    EXPECT_EQ(handler->getCurrentTool(), "sample");
-    EXPECT_EQ(changes, 0);
-    EXPECT_EQ(viewer.offered, std::vector<std::string>{"Adjust Spill"});
-    EXPECT_FALSE(handler->performSetCurrentTool("Adjust Spill"));
-    // Choosing the current tool again changes nothing but is announced, so
-    // whoever chose it sees the choice confirmed.
-    handler->setCurrentTool("sample");
-    EXPECT_EQ(handler->getCurrentTool(), "sample");
-    EXPECT_EQ(changes, 1);
-}
-
 TEST_F(ToolsetScene, ChangingToolsDuringADragEndsTheDragAndItsStep) {
     handler->setCurrentTool("sample");
     auto p = press(at(1.0f, 0.5f));
@@ -169,18 +128,6 @@ TEST_F(ToolsetScene, DestroyingTheHandlerDuringADragClosesTheStep) {
     plain.reset();
     EXPECT_FALSE(stack().isStepOpen());
     EXPECT_EQ(stack().getStepCount(), 1);
-}
-
-TEST_F(ToolsetScene, NamesAreUniqueAndToolsRequired) {
-    EXPECT_THROW(handler->appendTool("sample", tools["adjust"]), ExAssertionFailed);
-    EXPECT_THROW(handler->appendTool("other", RCShdPtr<MfTool>()), ExNullPtr);
-}
-
-TEST_F(ToolsetScene, OnlyTheCurrentToolDraws) {
-    handler->setCurrentTool("adjust");
-    EXPECT_EQ(viewer.paint().getItems(WsRecordingPainter::Item::Rect).size(), 1u);
-    tools["adjust"]->bar->setState(MfManipulator::Hidden);
-    EXPECT_TRUE(viewer.paint().getItems(WsRecordingPainter::Item::Rect).empty());
 }
 
 } // namespace

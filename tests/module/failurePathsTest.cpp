@@ -1,23 +1,18 @@
-// Failures of the matte-generation tools, handlers and panel, each met
-// through the host's own entry points (a viewer's event delivery, a pointer
-// grab, a handler factory): the host reports it once with its text (for a
-// broken invariant the source, line and expression), no undo step stays
-// open, and the viewer, its tools and the panel go on working.
+// Failures of the sample-matte tool, each met through a viewer's event
+// delivery: the host reports it once with its text (for a broken invariant
+// the source, line and expression), no undo step stays open, and the viewer
+// and its tools go on working.
 //
 // Some invariants cannot break through the host as it is (nothing but a bar
 // is ever grasped, a bar lets go only when its tool releases it); there a
 // public operation of the host stands in for the broken invariant, and the
 // rest of the path is the host's own.
-#include "keyerPanelScene.h"
 #include "mgScene.h"
 #include "support/takeReports.h"
 
 #include <base/exBase.h>
 #include <gfx/mfToolset.h>
 #include <pluginAPI/piEventHandler.h>
-#include <tesseraCore/tsDgInterface.h>
-#include <tesseraCore/tsSpillBlendInterface.h>
-#include <ui/uiHotkeyRegistry.h>
 
 #include <string>
 #include <vector>
@@ -43,16 +38,6 @@ protected:
         return bar(p)
             .getLocalToWindow(viewer->getView())
             .transformPoint({value * 400.0f - 200.0f, 0.0f});
-    }
-    // A manipulator that is no bar, over the whole view, added to the tool
-    // after its column: the first press the column does not take grasps it.
-    // It gives no feedback, so that events go on to the tool as before.
-    RCShdPtr<MfManipulator> addForeignManipulator() {
-        const RCShdPtr<MfManipulator> foreign(new MfRangeManipulator(
-            GeRectangle<float>(-1.0e4f, 1.0e4f, -1.0e4f, 1.0e4f), "foreign"));
-        foreign->setFeedbackEventPredicate(!PrdPredicate<EvEvent>::all());
-        tool().addManipulator(foreign);
-        return foreign;
     }
 
     // The tool works as before: Escape hides a column left shown, a click
@@ -108,25 +93,6 @@ TEST_F(SampleMatteFailures, APickThatFindsNoPixelWhereTheToolSamplesIsReported) 
     expectTheToolStillWorks();
 }
 
-TEST_F(SampleMatteFailures, AGraspOfSomethingOtherThanABarIsReportedAndChangesNothing) {
-    const RCShdPtr<MfManipulator> foreign = addForeignManipulator();
-    const std::vector<PiInputState> before = nodeState();
-    // Samples where no bar comes up, then grasps the foreign manipulator.
-    deliver(press(at(blockCentre(Key))));
-    deliver(release(at(blockCentre(Key))));
-    EXPECT_EQ(takeReports(),
-              std::vector<std::string>{R"(viewer matte viewer: assertion failed: "found" at )"
-                                       R"(tools\tessera\src\tsMgSampleMatteTool, line 625)"});
-    EXPECT_FALSE(tool().isManipulating());
-    EXPECT_FALSE(foreign->isManipulating());
-    EXPECT_FALSE(stack().isStepOpen());
-    EXPECT_EQ(stack().getStepCount(), 0);
-    EXPECT_TRUE(nodeState() == before);
-
-    foreign->setState(MfManipulator::Hidden);
-    expectTheToolStillWorks();
-}
-
 TEST_F(SampleMatteFailures, ABarThatLetsGoDuringItsDragIsReportedAndTheStepKeepsWhatWasDone) {
     click(blockCentre(Foreground));
     ASSERT_NE(bar(P::EdgeSoftness).getState(), MfManipulator::Hidden);
@@ -152,106 +118,6 @@ TEST_F(SampleMatteFailures, ABarThatLetsGoDuringItsDragIsReportedAndTheStepKeeps
     EXPECT_DOUBLE_EQ(param(P::EdgeSoftness), 0.5);
     EXPECT_FLOAT_EQ(bar(P::EdgeSoftness).getValue(), 0.0f);
     expectTheToolStillWorks();
-}
-
-// The three stages' handler factories given a node that is not a keyer, or
-// none: refused with the type expected, and nothing of the refused handler
-// stays registered on the viewer.
-class HandlerFactories : public MgScene {};
-
-TEST_F(HandlerFactories, ANodeThatIsNoKeyerIsRefusedAndLeavesNoHotkeyBehind) {
-    const RCShdPtr<PiNode> plain = rcMake<PiNode>("grade");
-    graph->getRoot()->addNode(plain);
-    const std::vector<std::pair<TsMgInterface::EhFactory, std::string>> factories{
-        {TsMgInterface::getEhFactory(), "TsMgInterface"},
-        {TsDgInterface::getEhFactory(), "PiImageModifier"},
-        {TsSpillBlendInterface::getEhFactory(), "TsSpillBlendInterface"}};
-    for (const auto& [factory, expected] : factories) {
-        ASSERT_TRUE(factory) << expected;
-        try {
-            factory(*viewer, plain, rcMake<PiPath>(plain));
-            ADD_FAILURE() << "a handler for a plain node";
-        } catch (const ExCastFailed& e) {
-            EXPECT_EQ(std::string(e.what()),
-                      "cast failed: an object of type PiNodeController is not a " + expected);
-        }
-        try {
-            factory(*viewer, RCShdPtr<PiNode>(), viewer->getPath());
-            ADD_FAILURE() << "a handler for no node";
-        } catch (const ExNullPtr& e) {
-            EXPECT_EQ(e.getTypeName(), "PiNode");
-        }
-    }
-
-    // The viewer's widget hands on the hotkeys of the stage it shows, and of
-    // no other.
-    UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
-    const auto registered = [&registry, this](const char* name) {
-        return registry.isRegistered(registry.findEntry(UiHotkeyRegistry::TesseraDomain, name),
-                                     viewer->getEventHandler());
-    };
-    EXPECT_TRUE(registered("Sample Matte"));
-    for (const char* name : {"Sample Degrain", "Adjust Spill", "Adjust Blend"}) {
-        EXPECT_FALSE(registered(name)) << name;
-    }
-    // The handler in place still takes its hotkeys.
-    useTool(0);
-    pressKey(Qt::Key_M);
-    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2));
-}
-
-// The matte-generation panel of the main panel, with the viewer beside it.
-class KeyColourPickFailure : public ::testing::Test, public KeyerPanelScene {
-protected:
-    void SetUp() override {
-        build(1);
-        select(keyers[0]);
-        history().clear();
-        cursors = UiApplication::getInstance().getOverrideCursorDepth();
-    }
-    void TearDown() override {
-        tearDown();
-        EXPECT_EQ(UiApplication::getInstance().getOverrideCursorDepth(), cursors);
-    }
-    int cursorDepth() const { return UiApplication::getInstance().getOverrideCursorDepth(); }
-
-    int cursors = 0;
-};
-
-TEST_F(KeyColourPickFailure, APickLandingOnAViewerWithoutToolsIsReportedAndEndsThePick) {
-    viewer->setEventHandler(RCShdPtr<PiEventHandler>(new PiEventHandler));
-    const RCShdPtr<UiDualState> toggle = matteWidget<UiDualState>("keyColor1Toggle");
-    ASSERT_TRUE(toggle);
-    toggle->click();
-    settle();
-    ASSERT_TRUE(UiGrab::pointer().isGrabbed());
-    const QPointF at = viewerPoint(5.5f, 10.5f);
-    sendMouse(viewer, QEvent::MouseButtonPress, at);
-    sendMouse(viewer, QEvent::MouseButtonRelease, at);
-    settle();
-    EXPECT_EQ(takeReports(),
-              std::vector<std::string>{"grab handler key colour pick: null pointer where an "
-                                       "object of type PiCurrentToolEventHandler is required"});
-    // The pick is over: grabs released, its cursor gone, nothing changed.
-    EXPECT_FALSE(UiGrab::pointer().isGrabbed());
-    EXPECT_FALSE(UiGrab::keyboard().isGrabbed());
-    EXPECT_EQ(cursorDepth(), cursors);
-    EXPECT_EQ(history().getStepCount(), 0);
-    EXPECT_FALSE(history().isStepOpen());
-
-    // With its tools back, the viewer takes the next pick.
-    viewer->setNode(keyers[0]);
-    settle();
-    toggle->click();
-    settle();
-    sendMouse(viewer, QEvent::MouseButtonPress, at);
-    sendMouse(viewer, QEvent::MouseButtonRelease, at);
-    settle();
-    const CoRgbColorTyped<float> picked = keyColour(0, TsTypes::KeyColor1);
-    EXPECT_FLOAT_EQ(picked.g, Left.g);
-    EXPECT_EQ(history().getStepCount(), 1);
-    EXPECT_EQ(cursorDepth(), cursors);
-    EXPECT_TRUE(takeReports().empty());
 }
 
 } // namespace

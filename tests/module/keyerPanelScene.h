@@ -173,7 +173,6 @@ public:
     RCShdPtr<UiLabel> label(int slot) const {
         return panel->find<UiLabel>("nodeSelectLabel" + LiStringUtil::convertNb(slot));
     }
-    std::string labelText(int slot) const { return label(slot)->getText(); }
     // Whether the slot's label shows the name as well as its width allows:
     // whole, or its beginning followed by "...", or nothing when not even
     // that fits.
@@ -200,7 +199,6 @@ public:
                << "label " << slot << " shows \"" << text << "\" for \"" << name << "\" in "
                << width << " pixels";
     }
-    RCShdPtr<UiMenu> mainMenu() const { return panel->find<UiMenu>("sampleMenu"); }
     RCShdPtr<UiNodeWidget> area(const std::string& name) const {
         return panel->find<UiNodeWidget>(name);
     }

@@ -27,21 +27,11 @@ TEST(ModuleFrame, PackageNamesItsTenDependenciesInOrderAndStarts) {
                                                          "resmgt", "pluginAPI", "base"}));
 }
 
-TEST(ModuleFrame, BuildInformationAnswersEverySlot) {
+TEST(ModuleFrame, ARegularBuildIsNoDevelopmentBuild) {
     const auto infos = InBuildInfoUtil::listFor("tesseraUiZnmodule");
     ASSERT_EQ(infos.size(), 1u);
-    const InBuildInfo& b = *infos[0];
-    EXPECT_STRNE(b.getDescription(), "");
-    EXPECT_STREQ(b.getLibraryName(), "libZntesseraUiZnmodule");
-    EXPECT_STREQ(b.getReleaseYear(), "2013");
-    EXPECT_STREQ(b.getVersion(), "8.0");
-    EXPECT_STREQ(b.getBuildKind(), ""); // code 42 is not the development code 3
-    EXPECT_EQ(b.getMajorVersion(), 8);
-    EXPECT_EQ(b.getMinorVersion(), 0);
-    EXPECT_EQ(b.getBuildCode(), 42);
-    EXPECT_STREQ(b.getBuildNumber(), "2600");
-    EXPECT_STREQ(b.getBuildDate(), "Jun 12 2012");
-    EXPECT_STREQ(b.getBuildFlavour(), "opt.x86_64.intel");
+    EXPECT_EQ(infos[0]->getBuildCode(), 42);
+    EXPECT_STREQ(infos[0]->getBuildKind(), ""); // the development code is 3
 }
 
 } // namespace

@@ -116,23 +116,6 @@ TEST_F(ModuleStartup, RunsTheFourteenSourcesInTheirOrder) {
                   "tsImgPickKeyColorsTool", "tsUiImp", "tsUiImpGeneration2"}));
 }
 
-TEST_F(ModuleStartup, RegisteredItsSixSubscriptionsInStartUpOrder) {
-    std::vector<std::string> ids;
-    for (const std::string& id : MsgServer::getInstance().getRegisteredIds()) {
-        if (id.rfind("MSG_TS_", 0) == 0) {
-            ids.push_back(id);
-        }
-    }
-    EXPECT_EQ(ids, (std::vector<std::string>{"MSG_TS_SET_MATTE_SAMPLE", "MSG_TS_SET_PATCH_SAMPLE",
-                                             "MSG_TS_SET_DEGRAIN_SAMPLE", "MSG_TS_SET_SPILL",
-                                             "MSG_TS_SET_BLEND", "MSG_TS_SET_KEY_COLOR"}));
-    // Each resolved its text from the catalogue held open during start-up.
-    const MsgFileGuard guard("tessera.msg");
-    for (const std::string& id : ids) {
-        EXPECT_NE(MsgServer::getInstance().lookup(id), id) << id;
-    }
-}
-
 TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesTheMainPanels) {
     ASSERT_EQ(held().size(), registrations().size());
     const auto mgEh = TsMgInterface::getEhFactory();
@@ -162,13 +145,6 @@ TEST_F(ModuleStartup, ShutDownWithdrawsTheSixStageFactoriesInReverseAndLeavesThe
     EXPECT_EQ(TsInterface3::getInstanceDataFactory(), mainPanelGeneration2);
     EXPECT_EQ(MsgServer::getInstance().openCatalogueCount(), catalogues);
     EXPECT_EQ(InBuildInfoUtil::listFor("tesseraUiZnmodule").size(), 1u);
-}
-
-TEST_F(ModuleStartup, StartingTwiceIsHarmless) {
-    const std::vector<std::string> ids = MsgServer::getInstance().getRegisteredIds();
-    tsModuleStartUp(table, count); // everything already held
-    EXPECT_EQ(MsgServer::getInstance().getRegisteredIds(), ids);
-    EXPECT_EQ(held().size(), registrations().size());
 }
 
 // An initialiser that throws: the exception goes on, the catalogue is let

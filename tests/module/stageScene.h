@@ -153,7 +153,6 @@ protected:
         return refCast<MfCurrentToolEventHandler>(*viewer->getCurrentEventHandler());
     }
     std::string currentTool() { return handler().getCurrentTool(); }
-    std::vector<std::string> toolNames() { return handler().getToolset()->getToolNames(); }
     void useTool(const std::string& name) { handler().setCurrentTool(name); }
     double time() { return viewer->getTime().getTime(); }
     double value(const RCShdPtr<PiInput>& input) { return input->getTypedValue<double>(time()); }

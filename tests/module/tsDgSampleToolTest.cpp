@@ -44,31 +44,6 @@ protected:
     }
 };
 
-TEST_F(DegrainStage, HoldsThePickToolsAndTheSampleToolTheSampleToolCurrent) {
-    EXPECT_EQ(toolNames(), (std::vector<std::string>{TsDgTool::getManipToolName(0),
-                                                     TsDgTool::getManipToolName(1),
-                                                     TsDgTool::getManipToolName(2)}));
-    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
-}
-
-TEST_F(DegrainStage, TheSampleDegrainHotkeyMakesTheSampleToolCurrent) {
-    EXPECT_TRUE(hotkey("Sample Degrain"));
-    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
-
-    useTool(TsDgTool::getManipToolName(1));
-    pressKey(Qt::Key_G); // the default binding, through the widget
-    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
-}
-
-TEST_F(DegrainStage, HotkeysOfOtherStagesFallThroughToTheCurrentTool) {
-    useTool(TsDgTool::getManipToolName(1));
-    for (const char* name : {"Sample Matte", "Adjust Spill", "Sample Patch 1"}) {
-        EXPECT_FALSE(hotkey(name)) << name;
-        EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(1)) << name;
-    }
-    EXPECT_EQ(viewer->getStage(), "degrain");
-}
-
 TEST_F(DegrainStage, ASampleOfOneColourStoresTheArrangedBoxOfThatColourAndSwitchesDegrainOn) {
     useTool(TsDgTool::getManipToolName(2));
     ASSERT_FALSE(degrainOn());
@@ -120,26 +95,6 @@ TEST_F(DegrainStage, TheBoxIsArrangedAgainstTheBlendOfTheKeyColours) {
     }
 }
 
-TEST_F(DegrainStage, APlainPickGrowsTheBoxAndAShiftPickReplacesIt) {
-    useTool(TsDgTool::getManipToolName(2));
-    click(onA, Shift);
-    click(onB); // adds
-    EXPECT_TRUE(inStoredBox(A));
-    EXPECT_TRUE(inStoredBox(B));
-    EXPECT_EQ(stack().getStepCount(), 2);
-
-    click(onB, Shift); // replaces
-    EXPECT_FALSE(inStoredBox(A));
-    EXPECT_TRUE(inStoredBox(B));
-    expectStored(sampledBox({B}));
-}
-
-TEST_F(DegrainStage, AnAddingPickOnNoBoxYetIsAFreshSample) {
-    useTool(TsDgTool::getManipToolName(2));
-    click(onA);
-    expectStored(sampledBox({A}));
-}
-
 TEST_F(DegrainStage, DegrainAlreadyOnIsLeftAsItIsAndTheSampleWritesTheBoxAlone) {
     flag()->setValue(0.0, PiValue(true));
     stack().clear();
@@ -150,15 +105,6 @@ TEST_F(DegrainStage, DegrainAlreadyOnIsLeftAsItIsAndTheSampleWritesTheBoxAlone) 
     // The sample's step did not hold the flag: undoing it leaves it on.
     EXPECT_TRUE(degrainOn());
     expectStored(CoAffineMatrixTyped<float>::IDENTITY);
-}
-
-TEST_F(DegrainStage, ALockedFlagStaysOffWhileTheBoxIsStillWritten) {
-    flag()->setLocked(true);
-    stack().clear();
-    useTool(TsDgTool::getManipToolName(2));
-    click(onA, Shift);
-    EXPECT_FALSE(degrainOn());
-    expectStored(sampledBox({A}));
 }
 
 TEST_F(DegrainStage, ThePickToolsAreTransientAndPickIntoTheKeyColour) {
@@ -172,28 +118,6 @@ TEST_F(DegrainStage, ThePickToolsAreTransientAndPickIntoTheKeyColour) {
     EXPECT_EQ(k2.b, B.b);
     EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
     EXPECT_EQ(stack().getUndoName(), catalogueText("MSG_TS_SET_KEY_COLOR"));
-}
-
-TEST_F(DegrainStage, AViewerLeavingTheStageTakesTheHotkeyAway) {
-    const unsigned entry = hotkeyEntry("Sample Degrain");
-    ASSERT_TRUE(UiHotkeyRegistry::getInstance().isRegistered(entry, viewer->getEventHandler()));
-    ASSERT_TRUE(viewer->setStage("spill"));
-    EXPECT_FALSE(UiHotkeyRegistry::getInstance().isRegistered(entry, viewer->getEventHandler()));
-    pressKey(Qt::Key_G);
-    EXPECT_EQ(viewer->getStage(), "spill");
-}
-
-TEST_F(DegrainStage, AHandlerHeldAfterItsViewerWentLetsGoOfItsHotkeySafely) {
-    RCShdPtr<PiEventHandler> held = viewer->getCurrentEventHandler();
-    viewer.reset();
-    ASSERT_EQ(held->rcCount(), 1); // the last reference: it goes now
-    held.reset();
-    // A new viewer of the stage takes the hotkey again.
-    viewer = std::make_unique<UiViewer>(nullptr, "second viewer");
-    viewer->setNode(node);
-    ASSERT_TRUE(viewer->setStage("degrain"));
-    pressKey(Qt::Key_G);
-    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(2));
 }
 
 } // namespace

@@ -29,18 +29,6 @@ protected:
     }
 };
 
-TEST_F(DegrainPanel, TheTogglesShowTheCurrentToolFromTheStart) {
-    EXPECT_EQ(controller().getToggleCount(), 2);
-    // The stage starts on its sample tool: no pick lit.
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));
-    useTool(TsDgTool::getManipToolName(0));
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{true, false}));
-    EXPECT_TRUE(hotkey("Sample Degrain"));
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));
-    useTool(TsDgTool::getManipToolName(1));
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, true}));
-}
-
 TEST_F(DegrainPanel, AToggleMakesItsPickToolCurrentAndShowsItsCursorUntilThePickIsDone) {
     useTool(TsDgTool::getManipToolName(2));
     toggle(1)->click();
@@ -62,52 +50,6 @@ TEST_F(DegrainPanel, AToggleMakesItsPickToolCurrentAndShowsItsCursorUntilThePick
     EXPECT_EQ(pushedCursors(), 0);
     EXPECT_FALSE(controller().isCursorPushed());
     EXPECT_EQ(toggleStates(), (std::vector<bool>{false, false}));
-}
-
-TEST_F(DegrainPanel, APanelDestroyedWithItsCursorPushedPopsIt) {
-    toggle(1)->click();
-    ASSERT_EQ(pushedCursors(), 1);
-    panel.reset();
-    EXPECT_EQ(pushedCursors(), 0);
-}
-
-TEST_F(DegrainPanel, AHandlerWithoutToolsOnlyPopsThePushedCursor) {
-    toggle(1)->click();
-    ASSERT_EQ(pushedCursors(), 1);
-    viewer->setEventHandler(RCShdPtr<PiEventHandler>(new PiEventHandler));
-    EXPECT_EQ(pushedCursors(), 0);
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, true})); // left as they were
-    // Without a tool handler a toggle does nothing.
-    toggle(0)->click();
-    EXPECT_EQ(pushedCursors(), 0);
-}
-
-TEST_F(DegrainPanel, FollowsTheHandlerOfAnotherStageAndOfAViewerThatGoes) {
-    ASSERT_TRUE(viewer->setStage("spill"));
-    useTool(TsDgTool::getManipToolName(1)); // the pick tools have the same names
-    EXPECT_EQ(toggleStates(), (std::vector<bool>{false, true}));
-    toggle(0)->click();
-    EXPECT_EQ(currentTool(), TsDgTool::getManipToolName(0));
-    EXPECT_EQ(pushedCursors(), 1);
-    viewer.reset(); // the panel hears of it and pops its cursor
-    EXPECT_EQ(pushedCursors(), 0);
-}
-
-TEST_F(DegrainPanel, ResetIsOneUndoStep) {
-    useTool(TsDgTool::getManipToolName(2));
-    click(onA, Shift);
-    ASSERT_TRUE(node->getDegrainInput()->getTypedValue<bool>(0.0));
-    const auto sampled = node->getDegrainBoxInput(0, 0)->getTypedValue<double>(0.0);
-    ASSERT_NE(sampled, 1.0);
-
-    panel->find<UiPushButton>("reset")->click();
-    EXPECT_FALSE(node->getDegrainInput()->getTypedValue<bool>(0.0));
-    EXPECT_EQ(node->getDegrainBoxInput(0, 0)->getTypedValue<double>(0.0), 1.0);
-    EXPECT_EQ(stack().getUndoName(), "Reset Screen Degrain");
-    EXPECT_EQ(stack().getStepCount(), 2);
-    stack().undo();
-    EXPECT_TRUE(node->getDegrainInput()->getTypedValue<bool>(0.0));
-    EXPECT_EQ(node->getDegrainBoxInput(0, 0)->getTypedValue<double>(0.0), sampled);
 }
 
 // Both key colours locked: the node says its panels have no key-colour toggles.

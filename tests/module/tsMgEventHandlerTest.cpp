@@ -50,47 +50,12 @@ TEST_F(MatteHandler, TheSampleMatteHotkeyMakesTheSampleMatteToolCurrent) {
     }
 }
 
-TEST_F(MatteHandler, KeysBoundToTheHotkeysReachTheHandlerThroughTheViewerWidget) {
-    pressKey(Qt::Key_M);
-    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2));
-    pressKey(Qt::Key_3);
-    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(3));
-    EXPECT_EQ(mg->getCurrentPatch(), 2);
-}
-
-TEST_F(MatteHandler, APatchHotkeyMakesItsPatchCurrentThenTheSamplePatchTool) {
-    useTool(2);
-    EXPECT_TRUE(hotkey("Sample Patch 2"));
-    EXPECT_EQ(mg->getCurrentPatch(), 1);
-    EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(3));
-    // The tool now samples the patch chosen.
-    click(blockCentre(Foreground), Shift);
-    EXPECT_NE(mg->getPatchModeInput(1)->getTypedValue<int>(0.0), 0);
-    EXPECT_EQ(mg->getPatchModeInput(0)->getTypedValue<int>(0.0), 0);
-
-    EXPECT_TRUE(hotkey("Sample Patch 3")); // the last patch there is
-    EXPECT_EQ(mg->getCurrentPatch(), 2);
-}
-
-TEST_F(MatteHandler, APatchHotkeyBeyondThePatchesIsLeftToTheCurrentTool) {
-    useTool(2);
-    for (const char* name : {"Sample Patch 4", "Sample Patch 9"}) {
-        EXPECT_FALSE(hotkey(name)) << name;
-        EXPECT_EQ(mg->getCurrentPatch(), 0);
-        EXPECT_EQ(currentTool(), TsMgTool::getManipToolName(2));
-    }
-    EXPECT_EQ(stack().getStepCount(), 0);
-}
-
 TEST_F(MatteHandler, TheHandlerLeavesTheHotkeysWhenItGoes) {
     UiHotkeyRegistry& registry = UiHotkeyRegistry::getInstance();
     const unsigned matte = hotkeyEntry("Sample Matte");
-    const unsigned patch9 = hotkeyEntry("Sample Patch 9");
     EXPECT_TRUE(registry.isRegistered(matte, viewer->getEventHandler()));
-    EXPECT_TRUE(registry.isRegistered(patch9, viewer->getEventHandler()));
     viewer->setNode(RCShdPtr<PiNode>());
     EXPECT_FALSE(registry.isRegistered(matte, viewer->getEventHandler()));
-    EXPECT_FALSE(registry.isRegistered(patch9, viewer->getEventHandler()));
 }
 
 TEST_F(MatteHandler, OnlyAKeyerNodeGetsAHandler) {

@@ -49,13 +49,6 @@ protected:
     static Box fitted(std::initializer_list<CoRgbaColorTyped<float>> list) {
         return TsUtils::computeMinimalBoxMatrix(colours(list));
     }
-    // The cursor the viewer shows for the pointer at a world point.
-    std::string cursorAt(const GePoint2<float>& world, unsigned modifiers = 0) {
-        auto m = move(at(world), modifiers, EvButton::None);
-        deliver(m);
-        const RCShdPtr<WsCursor> cursor = handler().getCursor();
-        return cursor ? cursor->getName() : "";
-    }
 };
 
 TEST_F(SamplePatch, AShiftPickReplacesTheBoxAndDecidesTheModeInOneNamedStep) {
@@ -71,13 +64,6 @@ TEST_F(SamplePatch, AShiftPickReplacesTheBoxAndDecidesTheModeInOneNamedStep) {
     stack().undo();
     EXPECT_EQ(box(1), Box::IDENTITY);
     EXPECT_EQ(mode(1), 0);
-}
-
-TEST_F(SamplePatch, APlainPickOnNoBoxIsAFreshSample) {
-    click(blockCentre(Foreground));
-    EXPECT_TRUE(tool().getPreviousBoxCorners().empty());
-    EXPECT_EQ(box(1), fitted({blockColour(Foreground)}));
-    EXPECT_EQ(mode(1), 2);
 }
 
 TEST_F(SamplePatch, APlainPickGrowsTheBoxByItsEightCornersAfterThePickedColours) {
@@ -126,19 +112,6 @@ TEST_F(SamplePatch, ACtrlDragAddsTheSweptRectangle) {
     EXPECT_EQ(box(1), fitted({blockColour(Edge)}));
 }
 
-TEST_F(SamplePatch, TheCursorTellsAddingFromReplacing) {
-    EXPECT_EQ(cursorAt(blockCentre(Key)), "PickPlus");
-    EXPECT_EQ(cursorAt(blockCentre(Key), Shift), "Pick");
-}
-
-TEST_F(SamplePatch, FeedbackThatEndsLeavesTheEventToOthers) {
-    auto over = move(at(blockCentre(Key)), 0, EvButton::None);
-    EXPECT_TRUE(deliver(over));
-    auto off = move(at({100.0f, 5.0f}), 0, EvButton::None);
-    EXPECT_FALSE(deliver(off));
-    EXPECT_FALSE(off.isProcessed());
-}
-
 TEST_F(SamplePatch, TheModeComesFromTheScoresOfTheSample) {
     // Over the screen (score 0) into the foreground (1).
     drag({8.0f, 5.0f}, {12.0f, 5.0f}, Shift);
@@ -147,19 +120,6 @@ TEST_F(SamplePatch, TheModeComesFromTheScoresOfTheSample) {
     mg->makePatchCurrent(0);
     click(blockCentre(Key), Shift);
     EXPECT_EQ(mode(0), 3);
-}
-
-TEST_F(SamplePatch, ALaterSampleKeepsTheMode) {
-    click(blockCentre(Foreground), Shift);
-    ASSERT_EQ(mode(1), 2);
-    click(blockCentre(Key), Shift);
-    EXPECT_EQ(box(1), fitted({blockColour(Key)}));
-    EXPECT_EQ(mode(1), 2);
-    // A mode set by hand is kept from the start.
-    mg->getPatchModeInput(0)->setValue(0.0, PiValue(1));
-    mg->makePatchCurrent(0);
-    click(blockCentre(Foreground), Shift);
-    EXPECT_EQ(mode(0), 1);
 }
 
 TEST_F(SamplePatch, AChangeOfTheCurrentPatchRedirectsTheNextSample) {

@@ -78,9 +78,14 @@ TEST_F(UndoScene, UndoAndRedoRestoreValuesAndKeysExactly) {
     EXPECT_EQ(stack().getStepCount(), 3); // two implicit key steps, then "Retime"
 }
 
-TEST_F(UndoScene, AWriteOutsideAnyStepIsAStepNamedAfterTheInput) {
+TEST_F(UndoScene, AStepWithoutANameIsNamedAfterItsInput) {
     PiTypedAnimInput<int>(mode).setValue(0.0, 2);
-    ASSERT_EQ(stack().getStepNames(), (std::vector<LiString>{"mode"}));
+    {
+        const PiUndoGuard unnamed(stack(), "");
+        PiTypedAnimInput<double>(gain).setValue(0.0, 2.0);
+    }
+    ASSERT_EQ(stack().getStepNames(), (std::vector<LiString>{"mode", "gain"}));
+    stack().undo();
     stack().undo();
     EXPECT_EQ(mode->getTypedValue<int>(0.0), 0);
 }
@@ -223,6 +228,11 @@ TEST_F(UndoScene, ANewStepDiscardsUndoneStepsAndTheCleanIndexFollows) {
     offset->setValue(0, PiValue(1.0));
     EXPECT_EQ(stack().getStepNames(), (std::vector<LiString>{"offset"}));
     EXPECT_EQ(stack().getCleanIndex(), -1);
+    // Clean where the new step begins: that state is still there.
+    stack().undo();
+    stack().setClean();
+    mode->setValue(0, PiValue(1));
+    EXPECT_EQ(stack().getCleanIndex(), 0);
 }
 
 TEST_F(UndoScene, LockingIsAnUndoableEdit) {

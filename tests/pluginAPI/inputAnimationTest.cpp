@@ -144,13 +144,6 @@ TEST_F(AnimatedInputs, RangePoliciesClampWrites) {
     EXPECT_EQ(a.getValue(2.0), 0.0);
 }
 
-TEST_F(AnimatedInputs, TypedAccessToAnInputOfAnotherKindFails) {
-    EXPECT_THROW(PiTypedAnimInput<int>{amount}, ExCastFailed);
-    EXPECT_THROW(PiTypedAnimInput<double>{RCShdPtr<PiInput>()}, ExNullPtr);
-    EXPECT_THROW(amount->setValue(0.0, PiValue(3)), ExAssertionFailed);
-    EXPECT_EQ(amount->getTypedValue<double>(0.0), 0.5);
-}
-
 TEST_F(AnimatedInputs, SetStateChecksWhatItIsGiven) {
     PiInputState state;
     state.constant = 0.3;

@@ -112,31 +112,4 @@ TEST_F(InputViews, RefusedWritesChangeNothingAndAnnounceTheValueKept) {
     EXPECT_EQ(view->getValue(), softness->getTypedValue<double>(view->getTime()));
 }
 
-TEST_F(InputViews, ViewsOfAnotherKindOrOfNothingAreRefused) {
-    EXPECT_THROW(PiInputValue<int>::createTyped(softness, timePath), ExCastFailed);
-    EXPECT_THROW(PiInputValue<double>::createTyped(nullptr, timePath), ExNullPtr);
-    EXPECT_THROW(PiInputRgbColor::create(nullptr, timePath), ExNullPtr);
-}
-
-TEST_F(InputViews, AColourIsReadAndWrittenAsOneValue) {
-    auto colour = PiInputRgbColor::create(key, timePath);
-    colour->addValueChangedCb(&changedCb);
-    EXPECT_TRUE(colour->setValue({0.1f, 0.8f, 0.2f}));
-    EXPECT_EQ(changed, 1);
-    EXPECT_EQ(colour->getValue(), CoRgbColorTyped<float>(0.1f, 0.8f, 0.2f));
-    node->getGraph()->getCommandStack().undo();
-    EXPECT_EQ(colour->getValue(), CoRgbColorTyped<float>());
-    EXPECT_EQ(changed, 2);
-}
-
-TEST_F(InputViews, ATimePathWhoseClientIsGoneReadsFrameZero) {
-    auto view = PiInputValue<double>::createTyped(softness, timePath);
-    view->addUpdateCb(&updateCb);
-    client.reset();
-    EXPECT_EQ(timePath->getTimeClient(), nullptr);
-    EXPECT_EQ(timePath->getTime(), 0.0);
-    EXPECT_DOUBLE_EQ(view->getValue(), 0.0);
-    EXPECT_FALSE(updateCb.isConnected());
-}
-
 } // namespace

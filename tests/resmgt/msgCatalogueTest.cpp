@@ -15,18 +15,6 @@
 
 namespace {
 
-TEST(MsgCatalogue, ParsesEntriesCommentsAndEscapes) {
-    const auto c = MsgCatalogue::parse("# comment\n"
-                                       "\n"
-                                       "MSG_A \"Set \\\"A\\\"\"\n"
-                                       "  MSG_B\t\"back\\\\slash\"  # trailing comment\r\n",
-                                       "test.msg");
-    EXPECT_TRUE(c.errors().empty());
-    EXPECT_EQ(c.find("MSG_A").value(), "Set \"A\"");
-    EXPECT_EQ(c.find("MSG_B").value(), "back\\slash");
-    EXPECT_FALSE(c.find("MSG_C"));
-}
-
 TEST(MsgCatalogue, MalformedLinesAreReportedWithFileAndLineAndSkipped) {
     const auto c = MsgCatalogue::parse("MSG_OK \"fine\"\n"
                                        "MSG_NOQUOTE text\n"
@@ -42,13 +30,6 @@ TEST(MsgCatalogue, MalformedLinesAreReportedWithFileAndLineAndSkipped) {
     EXPECT_EQ(c.errors()[4].text(), "bad.msg:6: message id MSG_OK defined twice");
     EXPECT_EQ(c.find("MSG_OK").value(), "fine");
     EXPECT_EQ(c.entries().size(), 1u);
-}
-
-TEST(MsgCatalogue, UnreadableFileIsOneFileLevelError) {
-    const auto c = MsgCatalogue::load("/nonexistent/dir/x.msg");
-    EXPECT_FALSE(c.isReadable());
-    ASSERT_EQ(c.errors().size(), 1u);
-    EXPECT_EQ(c.errors()[0].line, 0);
 }
 
 class MsgServerTest : public ::testing::Test {
@@ -78,23 +59,6 @@ protected:
     std::filesystem::path dir;
 };
 
-TEST_F(MsgServerTest, SubscriptionResolvesWhileTheGuardHoldsTheCatalogue) {
-    write("server1.msg", "MSG_UNDO \"Set Thing\"\nbroken line\n");
-    MsgSubscription sub("MSG_UNDO");
-    EXPECT_EQ(sub.getText(), "MSG_UNDO"); // not registered yet
-    {
-        const MsgFileGuard guard("server1.msg");
-        MsgServer::getInstance().registerSubscription(&sub);
-        MsgServer::getInstance().registerSubscription(&sub); // again: harmless
-    }
-    EXPECT_EQ(sub.getText(), "Set Thing");
-    EXPECT_TRUE(sub.isResolved());
-    EXPECT_EQ(MsgServer::getInstance().openCatalogueCount(), 0u);
-    EXPECT_EQ(reportsContaining("server1.msg:2"), 1);
-    const auto ids = MsgServer::getInstance().getRegisteredIds();
-    EXPECT_EQ(std::count(ids.begin(), ids.end(), "MSG_UNDO"), 1);
-}
-
 TEST_F(MsgServerTest, MissingFileOrIdFallsBackToTheIdAndIsReportedOnce) {
     MsgSubscription a("MSG_NOWHERE_A"), b("MSG_NOWHERE_B");
     {
@@ -110,23 +74,6 @@ TEST_F(MsgServerTest, MissingFileOrIdFallsBackToTheIdAndIsReportedOnce) {
     EXPECT_EQ(b.getText(), "MSG_NOWHERE_B");
     EXPECT_EQ(reportsContaining("absent.msg: not found"), 1);
     EXPECT_EQ(reportsContaining("MSG_NOWHERE_B"), 1);
-}
-
-TEST_F(MsgServerTest, DestroyedSubscriptionLeavesTheServer) {
-    auto sub = std::make_unique<MsgSubscription>("MSG_SHORT_LIVED");
-    MsgServer::getInstance().registerSubscription(sub.get());
-    EXPECT_TRUE(MsgServer::getInstance().isRegistered(sub.get()));
-    const MsgSubscription* raw = sub.get();
-    sub.reset();
-    EXPECT_FALSE(MsgServer::getInstance().isRegistered(raw));
-}
-
-TEST(LiStringUtil, ConvertsNumbersAndSanitisesNames) {
-    EXPECT_EQ(LiStringUtil::convertNb(-12), "-12");
-    EXPECT_EQ(LiStringUtil::convertNb(5), "5");
-    EXPECT_EQ(LiStringUtil::sanitise("spill_amount", " "), "spill amount");
-    EXPECT_EQ(LiStringUtil::sanitise("_edge..balance_", " "), "edge balance");
-    EXPECT_EQ(LiStringUtil::sanitise("Key Blend", " "), "Key Blend");
 }
 
 } // namespace

@@ -129,123 +129,6 @@ protected:
     std::string why; // what a save or load that should work says when it does not
 };
 
-TEST_F(SetupScene, AGroupSavedAndLoadedIntoAFreshGroupIsTheSame) {
-    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup"), why)) << why;
-    auto other = PiGraph::create();
-    auto fresh = TsKeyerGroup::create("keyer", 1, 1);
-    other->getRoot()->addNode(fresh);
-    LiString error;
-    ASSERT_TRUE(TsSetup::load(*fresh, path("shot.setup"), error)) << error;
-    EXPECT_EQ(fresh->getKeyerNodeCount(), 2);
-    EXPECT_TRUE(snapshot(*fresh) == snapshot(*group));
-    EXPECT_EQ(fresh->getSlotName(0), "hair \"fine\"");
-    EXPECT_EQ(fresh->getSlotName(4), "keyer");
-    EXPECT_EQ(other->getCommandStack().getStepNames(), (std::vector<LiString>{"Load Setup"}));
-    // And what it saves is what it loaded.
-    ASSERT_TRUE(TsSetup::save(*fresh, path("again.setup"), why)) << why;
-    EXPECT_EQ(readFile("again.setup"), readFile("shot.setup"));
-}
-
-TEST_F(SetupScene, LoadingIsOneUndoStepBackToTheStateBefore) {
-    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup"), why)) << why;
-    const Snapshot saved = snapshot(*group);
-    rcCast<TsMgInterface>(group->getKeyerNode(0)->getController())->resetKeyer();
-    group->setSlotNode(0, nullptr);
-    const Snapshot changed = snapshot(*group);
-    ASSERT_FALSE(changed == saved);
-    ASSERT_TRUE(TsSetup::load(*group, path("shot.setup"), why)) << why;
-    EXPECT_TRUE(snapshot(*group) == saved);
-    EXPECT_EQ(graph->getCommandStack().getUndoName(), "Load Setup");
-    graph->getCommandStack().undo();
-    EXPECT_TRUE(snapshot(*group) == changed);
-    graph->getCommandStack().redo();
-    EXPECT_TRUE(snapshot(*group) == saved);
-}
-
-TEST_F(SetupScene, ASingleKeyerNodeRoundTripsOntoAnotherNode) {
-    auto source = group->getKeyerNode(0);
-    ASSERT_TRUE(TsSetup::save(*source, path("node.setup"), why)) << why;
-    auto target = group->getKeyerNode(1);
-    ASSERT_TRUE(TsSetup::load(*target, path("node.setup"), why)) << why;
-    for (int i = 0; i < source->getInputCount(); ++i) {
-        EXPECT_TRUE(source->getInput(i)->getState() == target->getInput(i)->getState())
-            << source->getInput(i)->getName();
-    }
-    LiString error;
-    EXPECT_FALSE(TsSetup::load(*group, path("node.setup"), error));
-    EXPECT_NE(error.find("single keyer node"), std::string::npos) << error;
-}
-
-TEST_F(SetupScene, ANodeEditedInStepsUndoneRedoneSavedAndReloadedIsExact) {
-    auto node = group->getKeyerNode(1);
-    auto mg = rcCast<TsMgInterface>(node->getController());
-    PiCommandStack& stack = graph->getCommandStack();
-    auto states = [&node] {
-        std::vector<PiInputState> out;
-        for (int i = 0; i < node->getInputCount(); ++i) {
-            out.push_back(node->getInput(i)->getState());
-        }
-        return out;
-    };
-    const auto fresh = states();
-    const int before = stack.getStepCount();
-    {
-        PiUndoGuard step(stack, "Pick Key Colour");
-        mg->getKeyColorInput(TsTypes::KeyColor1)
-            ->setKey(1.0, PiValue(CoRgbColorTyped<float>(0.2f, 0.8f, 0.1f)));
-        mg->getKeyColorInput(TsTypes::KeyColor2)
-            ->setValue(1.0, PiValue(CoRgbColorTyped<float>(0.2f, 0.8f, 0.1f)));
-    }
-    {
-        PiUndoGuard step(stack, "Sample Patch");
-        const int patch = mg->createPatch();
-        for (int r = 0; r < 3; ++r) {
-            mg->getPatchBoxInput(patch, r, 3)->setValue(1.0, PiValue(-0.5 * r));
-        }
-        mg->getPatchModeInput(patch)->setValue(1.0, PiValue(1));
-    }
-    { PiUndoGuard begin(stack, "Set Matte Parameter", PiExecParam(1)); }
-    for (int i = 0; i < 100; ++i) {
-        PiUndoGuard drag(stack, "", PiExecParam(2));
-        mg->getMatteParamInput(TsMgTypes::HuePlus)->setKey(1.0, PiValue(i / 100.0));
-    }
-    { PiUndoGuard end(stack, "", PiExecParam(3)); }
-    const auto edited = states();
-    ASSERT_EQ(stack.getStepCount(), before + 3);
-    for (int i = 0; i < 3; ++i) {
-        stack.undo();
-    }
-    EXPECT_TRUE(states() == fresh);
-    for (int i = 0; i < 3; ++i) {
-        stack.redo();
-    }
-    EXPECT_TRUE(states() == edited);
-
-    ASSERT_TRUE(TsSetup::save(*node, path("node.setup"), why)) << why;
-    mg->resetKeyer();
-    ASSERT_FALSE(states() == edited);
-    ASSERT_TRUE(TsSetup::load(*node, path("node.setup"), why)) << why;
-    EXPECT_TRUE(states() == edited);
-}
-
-TEST_F(SetupScene, SavingReplacesTheFileWholeAndLeavesNothingBeside) {
-    writeFile("shot.setup", "old contents");
-    ASSERT_TRUE(TsSetup::save(*group, path("shot.setup"), why)) << why;
-    EXPECT_EQ(readFile("shot.setup").rfind("tessera-setup 3\n", 0), 0u);
-    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
-    // An ordinary document: readable by others as the umask allows, not
-    // private like the temporary file it was written through.
-    const mode_t mask = ::umask(022);
-    ASSERT_TRUE(TsSetup::save(*group, path("shared.setup"), why)) << why;
-    ::umask(mask);
-    EXPECT_EQ(fs::status(path("shared.setup")).permissions(),
-              fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read |
-                  fs::perms::others_read);
-    LiString error;
-    EXPECT_FALSE(TsSetup::save(*group, path("missing/shot.setup"), error));
-    EXPECT_NE(error.find("missing/shot.setup"), std::string::npos) << error;
-}
-
 TEST_F(SetupScene, DamagedAndForeignFilesAreRefusedWithTheirLine) {
     std::string good;
     ASSERT_TRUE(TsSetup::write(*group, good, why)) << why;
@@ -332,12 +215,6 @@ TEST_F(SetupScene, FirstVersionSetupsLoad) {
     EXPECT_EQ(second->getSlotName(1), "");
     EXPECT_EQ(second->getSlotName(2), "keyer");
     EXPECT_EQ(second->getSelectedNode(), second->getKeyerNode(1));
-}
-
-TEST_F(SetupScene, AMissingFileIsNamedInTheError) {
-    LiString error;
-    EXPECT_FALSE(TsSetup::load(*group, path("nowhere.setup"), error));
-    EXPECT_NE(error.find("nowhere.setup"), std::string::npos);
 }
 
 } // namespace

@@ -116,19 +116,6 @@ TEST_F(SequenceScene, GapsAreRefusedHeldOrBlack) {
     EXPECT_NE(error.find("20-30"), std::string::npos) << error;
 }
 
-TEST_F(SequenceScene, FramesOfAnotherSizeAndPatternsMatchingNothingAreRefused) {
-    writeFrame(1);
-    writeFrame(2, 16, 4);
-    std::string error;
-    EXPECT_FALSE(open("", TsMissingFrames::Refuse, error));
-    EXPECT_NE(error.find("frame 2"), std::string::npos) << error;
-    EXPECT_NE(error.find("16x4"), std::string::npos) << error;
-    EXPECT_NE(error.find("8x4"), std::string::npos) << error;
-    EXPECT_FALSE(
-        TsSequenceClip::open(pattern("q.####.exr"), {"", TsMissingFrames::Hold}, "", error));
-    EXPECT_NE(error.find("no file matches"), std::string::npos) << error;
-}
-
 TEST_F(SequenceScene, TheCacheKeepsFramesWithinItsBudgetAndReadsAhead) {
     for (int f = 1; f <= 6; ++f) {
         writeFrame(f);

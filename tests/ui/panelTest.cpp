@@ -27,14 +27,6 @@
 
 namespace {
 
-std::vector<std::string> entries(const RCShdPtr<PiMenu>& menu) {
-    std::vector<std::string> texts;
-    for (int i = 0; i < menu->getItemCount(); ++i) {
-        texts.push_back(menu->getItemText(i));
-    }
-    return texts;
-}
-
 // A description built on its own, as the host builds it into a node widget.
 class Description {
 public:
@@ -53,66 +45,6 @@ public:
 };
 
 using PanelDescriptions = PanelScene;
-
-// The names and kinds the main panel's controller looks for, in both
-// generations, and the sample menu's entries, which must be the tool names in
-// the controller's order for the menu to follow the current tool.
-TEST_F(PanelDescriptions, BothMainPanelsHoldTheSlotsTheAreasAndTheToolMenu) {
-    for (const char* file : {"tsMainPanel.ui", "tsMainPanelGeneration2.ui"}) {
-        SCOPED_TRACE(file);
-        const Description d(file);
-        ASSERT_TRUE(d.container);
-        EXPECT_TRUE(d.container->findWidget("tsMainUiContainer"));
-        for (const char* area : {"tsOtherUi", "tsSpillBlend", "tsDegrain", "tsMatteGen"}) {
-            EXPECT_TRUE(d.container->findWidget<PiNodeWidget>(area)) << area;
-        }
-        for (int i = 0; i < 6; ++i) {
-            EXPECT_TRUE(
-                d.container->findWidget<PiDualState>("nodeSelect" + LiStringUtil::convertNb(i)));
-            EXPECT_TRUE(
-                d.container->findWidget<PiLabel>("nodeSelectLabel" + LiStringUtil::convertNb(i)));
-        }
-        EXPECT_EQ(entries(d.container->findWidget<PiMenu>("sampleMenu")),
-                  (std::vector<std::string>{
-                      TsMgTool::getManipToolName(2), TsMgTool::getManipToolName(3),
-                      TsDgTool::getManipToolName(2), TsSpillBlendTool::getManipToolName(2),
-                      TsSpillBlendTool::getManipToolName(3)}));
-    }
-}
-
-TEST_F(PanelDescriptions, TheMatteGenerationPanelHoldsWhatItsControllerBinds) {
-    const Description d("tsMatteGenPanel.ui");
-    ASSERT_TRUE(d.container);
-    EXPECT_EQ(
-        entries(d.container->findWidget<PiMenu>("sampleMenu")),
-        (std::vector<std::string>{TsMgTool::getManipToolName(2), TsMgTool::getManipToolName(3)}));
-    EXPECT_TRUE(d.container->findWidget<PiDualState>("keyColor1Toggle"));
-    EXPECT_TRUE(d.container->findWidget<PiDualState>("keyColor2Toggle"));
-    EXPECT_TRUE(d.container->findWidget<UiPushButton>("reset"));
-    EXPECT_TRUE(d.container->findWidget<PiMenu>("patchSelectMenu"));
-    const auto mode = rcCast<UiWidgetAdapter>(d.container->findWidget("patchModeMenu"));
-    EXPECT_EQ(rcCast<UiMenu>(mode->getUiWidget())->getItemCount(), 4);
-    EXPECT_TRUE(UiInputValueEditor::getValueEditor(d.container, "patchRange"));
-    EXPECT_TRUE(UiInputValueEditor::getValueEditor(d.container, "patchSoft"));
-}
-
-TEST_F(PanelDescriptions, TheDegrainAndSpillPanelsHoldWhatTheirControllersBind) {
-    const Description degrain("tsDegrainPanel.ui");
-    ASSERT_TRUE(degrain.container);
-    EXPECT_TRUE(degrain.container->findWidget<PiDualState>("keyColor1Toggle"));
-    EXPECT_TRUE(degrain.container->findWidget<PiDualState>("keyColor2Toggle"));
-    EXPECT_TRUE(degrain.container->findWidget<UiPushButton>("reset"));
-
-    const Description spill("tsSpillBlendPanel.ui");
-    ASSERT_TRUE(spill.container);
-    EXPECT_TRUE(spill.container->findWidget<PiDualState>("keyColor1Toggle"));
-    EXPECT_TRUE(spill.container->findWidget<PiDualState>("keyColor2Toggle"));
-    EXPECT_TRUE(spill.container->findWidget<UiPushButton>("reset"));
-    EXPECT_TRUE(spill.container->findWidget<PiTrackball>("spillEdgeBalance"));
-    EXPECT_EQ(entries(spill.container->findWidget<PiMenu>("sampleMenu")),
-              (std::vector<std::string>{TsSpillBlendTool::getManipToolName(2),
-                                        TsSpillBlendTool::getManipToolName(3)}));
-}
 
 // Every "input" property of every stage panel names an input that a keyer
 // node has, of a kind its widget edits: no panel reports anything when it is
@@ -155,19 +87,6 @@ TEST_F(BrokenDescriptions, AreReportedWithTheFileAndTheReasonAndBuildNothing) {
     EXPECT_NE(error.find(empty + ": the file is empty"), std::string::npos) << error;
 }
 
-TEST_F(BrokenDescriptions, LeaveTheAreaEmptyAndTheHostRunning) {
-    const std::string garbage = write("tesseraBroken.ui", "not a form at all");
-    UiNodeWidgetFactory::registerStage("brokenStage", garbage, nullptr, nullptr);
-    UiPanel panel("broken");
-    EXPECT_FALSE(panel.setStage("brokenStage", keyer1, timePathOf(keyer1)));
-    EXPECT_FALSE(panel.getContainer());
-    EXPECT_TRUE(panel.findChildren<QWidget*>().empty());
-    EXPECT_TRUE(reported("panel area 'broken': panel description " + garbage));
-    UiNodeWidgetFactory::unregister("brokenStage");
-    EXPECT_FALSE(panel.setStage("brokenStage", keyer1, timePathOf(keyer1)));
-    EXPECT_TRUE(reported("no panel is registered for 'brokenStage'"));
-}
-
 TEST_F(BrokenDescriptions, AFieldNamingAnInputTheNodeLacksIsReportedAndLeftUnbound) {
     const std::string form = write("tesseraStrayInput.ui", R"(<?xml version="1.0"?>
 <ui version="4.0">
@@ -203,43 +122,6 @@ TEST_F(BrokenDescriptions, AFieldNamingAnInputTheNodeLacksIsReportedAndLeftUnbou
 
 using Workspace = PanelScene;
 
-TEST_F(Workspace, HoldsThePanelsByNameWhileTheyLive) {
-    UiWorkspace& workspace = UiWorkspace::getInstance();
-    const std::size_t before = workspace.getPanels().size();
-    {
-        UiPanel main("main");
-        UiPanel matte("matte");
-        EXPECT_EQ(workspace.getPanels().size(), before + 2);
-        EXPECT_EQ(workspace.findPanel("matte"), &matte);
-    }
-    EXPECT_EQ(workspace.getPanels().size(), before);
-    EXPECT_EQ(workspace.findPanel("matte"), nullptr);
-}
-
 using PanelPictures = PanelScene;
-
-// The main panel with its four areas filled, as the host shows a keyer group
-// with the first keyer node selected; the picture is left in the build tree
-// for a person to look at.
-TEST_F(PanelPictures, TheMainPanelLaysOutItsSlotsToolMenuAndStagePanels) {
-    for (int generation : {1, 3}) {
-        SCOPED_TRACE(generation);
-        const RCShdPtr<TsKeyerGroup> g =
-            TsKeyerGroup::create(generation == 1 ? "keyerA" : "keyerB", generation == 1 ? 1 : 2, 2);
-        graph->getRoot()->addNode(g);
-        UiPanel panel(generation == 1 ? "main" : "main3");
-        ASSERT_TRUE(panel.setNode(g, timePathOf(g)));
-        for (const char* area : {"tsMatteGen", "tsDegrain", "tsSpillBlend", "tsOtherUi"}) {
-            panel.find<UiNodeWidget>(area)->setContent(g->getKeyerNode(0));
-            EXPECT_TRUE(panel.find<UiNodeWidget>(area)->hasContent()) << area;
-        }
-        panel.find<PiLabel>("nodeSelectLabel0")->setText("keyer1");
-        const QImage image = panel.grabImage();
-        EXPECT_GT(image.width(), 200);
-        EXPECT_GT(image.height(), 300);
-        EXPECT_TRUE(image.save(QString::fromStdString(
-            screenshotPath(generation == 1 ? "mainPanel.png" : "mainPanelGeneration2.png"))));
-    }
-}
 
 } // namespace

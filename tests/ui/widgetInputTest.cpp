@@ -83,44 +83,6 @@ TEST_F(BoundFields, AnEditIsOneNamedUndoStepAndUndoMovesTheFieldBack) {
     EXPECT_DOUBLE_EQ(range->getValue(), 0.0);
 }
 
-TEST_F(BoundFields, AFieldTakesTheInputsRangeAndShowsWhatTheInputKept) {
-    range->enter(7.0);
-    EXPECT_DOUBLE_EQ(rangeOf(0), 1.0);
-    EXPECT_DOUBLE_EQ(range->getValue(), 1.0);
-    keyer1->getPatchRangeInput(0)->setLocked(true);
-    range->enter(0.5);
-    EXPECT_DOUBLE_EQ(rangeOf(0), 1.0);
-    EXPECT_DOUBLE_EQ(range->getValue(), 1.0);
-}
-
-TEST_F(BoundFields, BindingAgainMovesTheFieldsToTheOtherPatch) {
-    keyer1->getPatchRangeInput(1)->setValue(10, PiValue(0.8));
-    bind(1);
-    EXPECT_DOUBLE_EQ(range->getValue(), 0.8);
-    range->enter(0.6);
-    EXPECT_DOUBLE_EQ(rangeOf(1), 0.6);
-    EXPECT_DOUBLE_EQ(rangeOf(0), 0.0);
-    keyer1->getPatchRangeInput(0)->setValue(10, PiValue(0.1)); // no longer followed
-    EXPECT_DOUBLE_EQ(range->getValue(), 0.6);
-    UiInputValueEditor::setInput(range, RCShdPtr<PiInput>(), timePathOf(keyer1),
-                                 UiInputValueEditor::Undoable);
-    EXPECT_FALSE(range->getInput());
-    range->enter(0.2);
-    EXPECT_DOUBLE_EQ(rangeOf(1), 0.6);
-}
-
-TEST_F(BoundFields, ANotUndoableEditJoinsTheStepThatIsOpen) {
-    UiInputValueEditor::setInput(range, keyer1->getPatchRangeInput(0), timePathOf(keyer1),
-                                 UiInputValueEditor::NotUndoable);
-    {
-        const PiUndoGuard outer(history(), "Tweak Patch");
-        range->enter(0.4);
-        softness->enter(0.2);
-    }
-    EXPECT_EQ(history().getUndoName(), "Tweak Patch");
-    EXPECT_EQ(history().getRecordCount(history().getStepCount() - 1), 2);
-}
-
 TEST_F(BoundFields, AnInputOfAnotherKindIsRefusedNamingIt) {
     try {
         UiInputMenu::setInput(mode, keyer1->getPatchRangeInput(0), timePathOf(keyer1),
@@ -133,18 +95,6 @@ TEST_F(BoundFields, AnInputOfAnotherKindIsRefusedNamingIt) {
                                               keyer1->getPatchRangeInput(0), timePathOf(keyer1),
                                               UiInputValueEditor::Undoable),
                  ExNullPtr);
-}
-
-TEST_F(BoundFields, FieldsOfADestroyedPanelStaySafe) {
-    panel.reset();
-    keyer1->getPatchRangeInput(0)->setValue(10, PiValue(0.9));
-    keyer1->getPatchModeInput(0)->setValue(10, PiValue(3));
-    EXPECT_FALSE(range->exists());
-    range->enter(0.1);
-    EXPECT_DOUBLE_EQ(rangeOf(0), 0.9);
-    bind(1);
-    range.reset(); // the last reference: the binding leaves the input
-    keyer1->getPatchRangeInput(1)->setValue(10, PiValue(0.4));
 }
 
 using BoundToggles = PanelScene;
