@@ -1,5 +1,6 @@
 #include "imageCommands.h"
 
+#include "colourSpaceCommands.h"
 #include "hostSession.h"
 #include "outputWriter.h"
 #include "sessionArgs.h"
@@ -119,6 +120,10 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
         }
     });
     in.addCommand("write", [&in, &writer](SessionArgs& a) {
+        if (a.take("colorspace")) {
+            ColourSpaceCommands::write(in, a);
+            return;
+        }
         const std::string kind = a.choice("output", OutputWriter::getKinds());
         const std::string path = in.outputPath(a.word("output file"));
         const std::string space = colourSpace(a).value_or("");

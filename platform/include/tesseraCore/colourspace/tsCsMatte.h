@@ -1,0 +1,24 @@
+#pragma once
+
+#include <tesseraCore/img/tsMatteStage.h>
+#include <tesseraCore/tsKeyerSettings.h>
+
+#include <base/coAffineMatrixTyped.h>
+#include <base/coRgbColorTyped.h>
+
+// The matte of single colours, as the colour-space view shows it: the one
+// place where the view asks the keyer's matte model, so that a new model
+// changes this file and nothing else of the view.
+class TsCsMatte {
+public:
+    explicit TsCsMatte(const TsKeyerSettings& settings);
+
+    float alphaOf(const CoRgbColorTyped<float>& c) const;
+    // The alpha of n colours given as three planes.
+    void alphas(const float* r, const float* g, const float* b, float* alpha, int n) const;
+    // The blended key colour the matte is measured from.
+    const CoRgbColorTyped<float>& getKeyColour() const;
+
+private:
+    TsMatteStage _stage;
+};
