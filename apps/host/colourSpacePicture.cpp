@@ -77,7 +77,11 @@ private:
 bool ColourSpacePicture::follow(const HostSession& session) {
     const RCShdPtr<TsKeyerNode> node = session.getShownNode();
     const PiClipPtr& clip = session.getPlate();
-    const PiImagePtr plate = clip ? clip->getImageAt(session.getFrame()) : PiImagePtr();
+    return follow(clip ? clip->getImageAt(session.getFrame()) : PiImagePtr(),
+                  node ? node->getSettings(session.getFrame()) : TsKeyerSettings());
+}
+
+bool ColourSpacePicture::follow(const PiImagePtr& plate, const TsKeyerSettings& settings) {
     bool changed = false;
     if (plate.get() != _plate.get() || budget != _builtBudget) {
         _plate = plate;
@@ -91,8 +95,6 @@ bool ColourSpacePicture::follow(const HostSession& session) {
         markedPoint = -1;
         changed = true;
     }
-    const TsKeyerSettings settings =
-        node ? node->getSettings(session.getFrame()) : TsKeyerSettings();
     if (!_settings || !sameKey(*_settings, settings) || sliceNormal != _builtSlice) {
         const TsCsMatte matte(settings);
         Colour lo{0.0f, 0.0f, 0.0f}, hi{1.0f, 1.0f, 1.0f};

@@ -26,6 +26,8 @@ public:
     // plate's image or the budget changed, the key's geometry and the points'
     // matte when the key did. Answers whether anything changed.
     bool follow(const HostSession& session);
+    // The same for a plate (null for none) and a key.
+    bool follow(const PiImagePtr& plate, const TsKeyerSettings& settings);
     // Frames the camera on the plate's colours and the key colours (the unit
     // cube without a plate), keeping its angles.
     void frame();
@@ -44,6 +46,7 @@ public:
 
     const TsCsCloud& getCloud() const { return _cloud; }
     const TsCsScene& getScene() const { return _scene; }
+    const PiImagePtr& getPlate() const { return _plate; }
     bool hasPlate() const { return static_cast<bool>(_plate); }
 
 private:

@@ -1,5 +1,6 @@
 #include "studioWindow.h"
 
+#include "colourSpaceDock.h"
 #include "shotControls.h"
 #include "studioAutosave.h"
 #include "studioColourBar.h"
@@ -561,6 +562,7 @@ void StudioWindow::buildToolBar() {
 }
 
 void StudioWindow::buildDocks() {
+    addDockWidget(Qt::RightDockWidgetArea, new ColourSpaceDock(*_session, this));
     auto* historyDock = new QDockWidget("History", this);
     historyDock->setObjectName("historyDock");
     _history = new StudioHistory(_interpreter->getProbe(), historyDock);
