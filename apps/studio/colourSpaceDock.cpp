@@ -277,14 +277,15 @@ ColourSpaceDock::ColourSpaceDock(HostSession& session, QWidget* parent)
         const TsCsCloud& cloud = _view->getPicture().getCloud();
         _mark->setPixel({cloud.pixelX[point], cloud.pixelY[point]});
     };
-    UiViewer& viewer = session.getViewer();
-    _mark = new ViewerMark(viewer);
-    viewer.installEventFilter(this);
+    _viewer = &session.getViewer();
+    _mark = new ViewerMark(*_viewer);
+    _viewer->installEventFilter(this);
     attach();
 }
 
+// The session (and its viewer, with the mark) may be gone by now: the window
+// deletes it before its children.
 ColourSpaceDock::~ColourSpaceDock() {
-    _session.getViewer().removeEventFilter(this);
     _historyChanged.reset();
     _valueChanged.reset();
 }
@@ -299,7 +300,7 @@ QString ColourSpaceDock::getHoverText() const {
 
 void ColourSpaceDock::attach() {
     PiCommandStack* stack = &_session.getCommandStack();
-    if (stack != _stack) {
+    if (stack != _stack || !_historyChanged.isConnected()) {
         _historyChanged.reset();
         stack->addChangedCb(&_historyChanged);
         _stack = stack;
@@ -307,12 +308,12 @@ void ColourSpaceDock::attach() {
     const RCShdPtr<TsKeyerNode> node = _session.getShownNode();
     const RCShdPtr<PiNodeController> controller =
         node ? node->getController() : RCShdPtr<PiNodeController>();
-    if (controller.get() != _controller.get()) {
+    if (controller.get() != _controller || !_valueChanged.isConnected()) {
         _valueChanged.reset();
         if (controller) {
             controller->addCallback<PiNodeEvent::ValueChanged>(&_valueChanged);
         }
-        _controller = controller;
+        _controller = controller.get();
     }
 }
 
@@ -322,9 +323,9 @@ void ColourSpaceDock::keyChanged() {
 }
 
 bool ColourSpaceDock::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == &_session.getViewer()) {
+    if (watched == _viewer) {
         if (event->type() == QEvent::Resize) {
-            _mark->setGeometry(_session.getViewer().rect());
+            _mark->setGeometry(_viewer->rect());
         } else if (event->type() == QEvent::MouseMove) {
             viewerHover(static_cast<QMouseEvent*>(event)->position());
         } else if (event->type() == QEvent::Leave) {
@@ -337,8 +338,7 @@ bool ColourSpaceDock::eventFilter(QObject* watched, QEvent* event) {
 
 void ColourSpaceDock::viewerHover(const QPointF& window) {
     const GePoint2<float> world = VwUtils::windowToWorldOrtho(
-        _session.getViewer().getView(),
-        {static_cast<float>(window.x()), static_cast<float>(window.y())});
+        _viewer->getView(), {static_cast<float>(window.x()), static_cast<float>(window.y())});
     const PiClipPtr& clip = _session.getPlate();
     const PiImagePtr plate = clip ? clip->getImageAt(_session.getFrame()) : PiImagePtr();
     const int i = static_cast<int>(std::floor(world.x));

@@ -18,6 +18,7 @@ class HostSession;
 class PiCommandStack;
 class PiNodeController;
 class QLabel;
+class UiViewer;
 
 // The picture of the Colour Space panel (ColourSpacePicture), with the mouse
 // of a 3D application: the left button orbits, the right or middle button (or
@@ -95,7 +96,8 @@ private:
     QLabel* _line = nullptr;
     ViewerMark* _mark = nullptr;
     PiCommandStack* _stack = nullptr;
-    RCShdPtr<PiNodeController> _controller;
+    UiViewer* _viewer = nullptr;
+    const PiNodeController* _controller = nullptr; // compared, never used
     CbMethod<ColourSpaceDock, CbEmptyType> _historyChanged{this, &ColourSpaceDock::keyChanged};
     CbMethod<ColourSpaceDock, const PiNodeEvent> _valueChanged{this,
                                                                &ColourSpaceDock::valueChanged};
