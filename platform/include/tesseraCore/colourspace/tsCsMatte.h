@@ -1,10 +1,12 @@
 #pragma once
 
-#include <tesseraCore/img/tsMatteStage.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
-#include <base/coAffineMatrixTyped.h>
 #include <base/coRgbColorTyped.h>
+
+#include <memory>
+
+class TsMatteStage;
 
 // The matte of single colours, as the colour-space view shows it: the one
 // place where the view asks the keyer's matte model, so that a new model
@@ -12,6 +14,9 @@
 class TsCsMatte {
 public:
     explicit TsCsMatte(const TsKeyerSettings& settings);
+    ~TsCsMatte();
+    TsCsMatte(const TsCsMatte&) = delete;
+    TsCsMatte& operator=(const TsCsMatte&) = delete;
 
     float alphaOf(const CoRgbColorTyped<float>& c) const;
     // The alpha of n colours given as three planes.
@@ -20,5 +25,5 @@ public:
     const CoRgbColorTyped<float>& getKeyColour() const;
 
 private:
-    TsMatteStage _stage;
+    std::unique_ptr<const TsMatteStage> _stage;
 };
