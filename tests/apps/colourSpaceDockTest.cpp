@@ -28,6 +28,7 @@ namespace {
 
 // The demo plate keyed on its screen (a drag over its top-left corner).
 const char* const Keyed = "plate demo 320 180\n"
+                          "tool \"Pick Key Colour 1\"\n"
                           "drag 4 176 20 160 steps 4\n";
 
 void mouse(QWidget* w, QEvent::Type type, const QPointF& at) {
