@@ -65,6 +65,38 @@ void readSource(SessionInterpreter& in, SessionArgs& a, TsKeyerScene::Source sou
     }
 }
 
+// The demo plate's options after its size, in any order: seed N, grain G,
+// uneven U, spill S (multipliers from 0 to 10), subject NAME.
+void takeDemoOptions(SessionArgs& a, TsDemoPlate::Options& options) {
+    auto multiplier = [&a](const std::string& what) {
+        const double v = a.number(what);
+        if (!(v >= 0.0 && v <= 10.0)) {
+            throw SessionArgs::Error("the demo plate's " + what + " is a multiplier from 0 to 10");
+        }
+        return v;
+    };
+    while (!a.atEnd()) {
+        const std::string option =
+            a.choice("demo plate option", {"seed", "grain", "uneven", "spill", "subject"});
+        if (option == "seed") {
+            const int seed = a.integer("seed");
+            if (seed < 0) {
+                throw SessionArgs::Error("a seed is 0 or more");
+            }
+            options.seed = static_cast<std::uint64_t>(seed);
+        } else if (option == "grain") {
+            options.grain = multiplier("grain");
+        } else if (option == "uneven") {
+            options.uneven = multiplier("uneven");
+        } else if (option == "spill") {
+            options.spill = multiplier("spill");
+        } else {
+            const std::string name = a.choice("subject", TsDemoPlate::getSubjectNames());
+            TsDemoPlate::parseSubject(name, options.subject);
+        }
+    }
+}
+
 } // namespace
 
 void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
@@ -74,7 +106,8 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
     in.addCommand("plate", [&in, &s](SessionArgs& a) {
         if (a.take("demo")) {
             TsDemoPlate::Options options;
-            if (!a.atEnd() && a.peek() != "seed") {
+            double size = 0.0;
+            if (SessionArgs::parseNumber(a.peek(), size)) {
                 options.width = a.integer("plate width");
                 options.height = a.integer("plate height");
                 if (options.width < 64 || options.height < 64 || options.width > 8192 ||
@@ -82,13 +115,7 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
                     throw SessionArgs::Error("a demo plate is 64 to 8192 pixels each way");
                 }
             }
-            if (a.take("seed")) {
-                const int seed = a.integer("seed");
-                if (seed < 0) {
-                    throw SessionArgs::Error("a seed is 0 or more");
-                }
-                options.seed = static_cast<std::uint64_t>(seed);
-            }
+            takeDemoOptions(a, options);
             a.end();
             s.setDemoPlate(std::make_shared<const TsDemoPlate>(options));
             return;
@@ -192,7 +219,7 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
                SessionArgs::format(c.b) + " " + SessionArgs::format(c.a);
     });
     probe.addQuery("score", [&s](SessionArgs& a) {
-        const std::string region = a.choice("region", {"inside", "outside", "edge", "all"});
+        const std::string region = a.choice("region", {"inside", "outside", "edge", "hair", "all"});
         const std::optional<TsMatteScore> score = SessionSummary::score(s);
         if (!score) {
             throw SessionArgs::Error("there is no ground truth: the plate is not the demo plate");
@@ -200,6 +227,7 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
         const double value = region == "inside"    ? score->inside
                              : region == "outside" ? score->outside
                              : region == "edge"    ? score->edge
+                             : region == "hair"    ? score->hair
                                                    : score->all;
         return SessionArgs::format(value);
     });

@@ -4,6 +4,8 @@
 
 #include <pluginAPI/piEventHandler.h>
 #include <pluginAPI/piPath.h>
+#include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/io/tsSequence.h>
 #include <tesseraCore/render/tsViewRender.h>
 #include <ui/uiViewer.h>
@@ -21,15 +23,16 @@ OutputWriter::OutputWriter(HostSession& session)
     : _session(session) {}
 
 const std::vector<std::string>& OutputWriter::getKinds() {
-    static const std::vector<std::string> kinds = {"source", "matte",  "status", "foreground",
-                                                   "comp",   "viewer", "setup",  "summary"};
+    static const std::vector<std::string> kinds = {
+        "source", "matte", "status", "foreground", "comp", "viewer", "setup", "summary", "truth"};
     return kinds;
 }
 
 bool OutputWriter::write(const std::string& kind, const std::string& path, std::string& error,
                          const std::string& colourSpace) {
     bool ok = false;
-    if (!colourSpace.empty() && (kind == "viewer" || kind == "setup" || kind == "summary")) {
+    if (!colourSpace.empty() && (kind == "viewer" || kind == "setup" || kind == "summary" ||
+                                 kind == "truth")) {
         error = "a " + kind + " output takes no colour space";
         return false;
     }
@@ -49,6 +52,8 @@ bool OutputWriter::write(const std::string& kind, const std::string& path, std::
         ok = _session.saveSetup(path, error);
     } else if (kind == "summary") {
         ok = writeBytes(SessionSummary::text(_session, _written), path, error);
+    } else if (kind == "truth") {
+        ok = writeTruth(path, error);
     } else {
         ok = writeView(kind, path, colourSpace, error);
     }
@@ -76,6 +81,15 @@ bool OutputWriter::writeView(const std::string& kind, const std::string& path,
         return false;
     }
     return TsViewRender::write(*image, mode, path, error, colourSpace);
+}
+
+bool OutputWriter::writeTruth(const std::string& path, std::string& error) {
+    const auto& demo = _session.getDemo();
+    if (!demo) {
+        error = "there is no ground truth: the plate is not the demo plate";
+        return false;
+    }
+    return TsPlateIO::write(*demo->getTruthForeground(), path, error);
 }
 
 bool OutputWriter::writeViewer(const std::string& path, std::string& error) {

@@ -19,6 +19,8 @@ class HostSession;
 //   viewer   the viewer as it shows now, the tools' overlay included (PNG)
 //   setup    the keyer's setup (TsSetup)
 //   summary  the session's summary (SessionSummary)
+//   truth    the demo plate's ground truth: its true foreground (straight
+//       colour) with the true alpha, as a foreground view is written
 // Every file is written whole or not at all (FsAtomicFile): a write that
 // fails (a full disk, a file size limit, a target that is not a regular
 // file) answers false with the file and the reason, and leaves an earlier
@@ -51,6 +53,7 @@ private:
     bool writeView(const std::string& kind, const std::string& path, const std::string& colourSpace,
                    std::string& error);
     bool writeViewer(const std::string& path, std::string& error);
+    bool writeTruth(const std::string& path, std::string& error);
 
     HostSession& _session;
     SessionSummary::Outputs _written;

@@ -61,6 +61,7 @@ std::string SessionSummary::text(const HostSession& session, const Outputs& outp
             << "  inside   " << s->inside << "  (" << s->insideCount << " pixels)\n"
             << "  outside  " << s->outside << "  (" << s->outsideCount << " pixels)\n"
             << "  edges    " << s->edge << "  (" << s->edgeCount << " pixels)\n"
+            << "  hair     " << s->hair << "  (" << s->hairCount << " pixels)\n"
             << "  all      " << s->all << "\n\n";
         out.unsetf(std::ios::floatfield);
     } else {

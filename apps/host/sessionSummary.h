@@ -12,7 +12,7 @@ class HostSession;
 // The summary of a session, as text: the plate and the background, the
 // keyer's nodes, the matte error of the shown node against the demo plate's
 // ground truth (mean absolute alpha error inside, outside, on the edges and
-// over all, with the pixels counted), the undo history, the reports, and the
+// over all, and in the hair, with the pixels counted), the undo history, the reports, and the
 // outputs written.
 class SessionSummary {
 public:

@@ -129,6 +129,8 @@ TEST_F(KeyerImageScene, OutputsAreWrittenAndReadBack) {
     }());
     EXPECT_EQ(run("expect score all < 1"),
               "test.tss:1: there is no ground truth: the plate is not the demo plate");
+    EXPECT_EQ(run("write truth out/truth.exr"),
+              "test.tss:1: there is no ground truth: the plate is not the demo plate");
 
     std::string error;
     const PiImagePtr matte = TsPlateIO::read(path("out/matte.png"), error);
@@ -198,6 +200,44 @@ TEST_F(KeyerImageScene, KeyingTheScreenColourBringsTheMatteCloseToTheTruth) {
     ASSERT_TRUE(SessionArgs::parseNumber(
         keyed.substr(keyed.find("= ") + 2, keyed.size() - keyed.find("= ") - 3), after));
     EXPECT_LT(after, before / 4) << unkeyed << keyed;
+}
+
+TEST_F(KeyerImageScene, DemoPlateVariantsComeWithTheirTruth) {
+    ok("plate demo 160 90 subject fur spill 2 seed 3 grain 0.5 uneven 4\n"
+       "expect plate == demo 160x90\nwrite truth out/truth.exr");
+    const TsDemoPlate& demo = *session->getDemo();
+    EXPECT_EQ(demo.getOptions().subject, TsDemoPlate::Subject::Fur);
+    EXPECT_EQ(demo.getOptions().seed, 3u);
+    EXPECT_EQ(demo.getOptions().uneven, 4.0);
+    std::string error;
+    const PiImagePtr truth = TsPlateIO::read(path("out/truth.exr"), error);
+    ASSERT_TRUE(truth) << error;
+    // The foreground read back straight, with the true alpha.
+    int compared = 0;
+    for (int j = 0; j < 90; j += 3) {
+        for (int i = 0; i < 160; i += 3) {
+            const CoRgbaColorTyped<float> t = truth->getPixel(i, j);
+            const CoRgbaColorTyped<float> f = demo.getTruthForeground()->getPixel(i, j);
+            ASSERT_EQ(t.a, demo.getTruthAlpha()->getPixel(i, j).r);
+            if (t.a > 0.05f) {
+                ASSERT_NEAR(t.r, f.r, 1e-4f);
+                ++compared;
+            }
+        }
+    }
+    EXPECT_GT(compared, 50);
+    ok("print score hair");
+    EXPECT_EQ(takePrinted().rfind("score hair = ", 0), 0u);
+
+    EXPECT_EQ(run("plate demo subject cat"),
+              "test.tss:1: unknown subject \"cat\" (expected portrait, darkhair, lighthair, "
+              "fur, lattice or stem)");
+    EXPECT_EQ(run("plate demo 64 64 grain -1"),
+              "test.tss:1: the demo plate's grain is a multiplier from 0 to 10");
+    EXPECT_EQ(run("plate demo seed 2 colour 3")
+                  .rfind("test.tss:1: unknown demo plate option \"colour\"", 0),
+              0u);
+    ok("expect plate == demo 160x90");
 }
 
 TEST_F(KeyerImageScene, AFileThatIsNoImageIsRefusedAndThePlateStays) {

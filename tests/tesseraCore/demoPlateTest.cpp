@@ -7,6 +7,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -125,6 +127,9 @@ TEST_F(DemoPlate, ScoreSeparatesInsideOutsideAndEdge) {
     EXPECT_GT(perfect.outsideCount, 100000u);
     EXPECT_GT(perfect.edgeCount, 1000u);
     EXPECT_EQ(perfect.insideCount + perfect.outsideCount + perfect.edgeCount, 640u * 360u);
+    // The hair region is the band round the strands, within the edge band.
+    EXPECT_GT(perfect.hairCount, 1000u);
+    EXPECT_LT(perfect.hairCount, perfect.edgeCount);
 
     const TsMatteScore black = demo().score(PiImage(640, 360, {0, 0, 0, 1}));
     EXPECT_EQ(black.inside, 1.0);
@@ -134,7 +139,47 @@ TEST_F(DemoPlate, ScoreSeparatesInsideOutsideAndEdge) {
     const TsMatteScore white = demo().score(PiImage(640, 360, {1, 1, 1, 1}));
     EXPECT_EQ(white.outside, 1.0);
     EXPECT_NEAR(white.edge + black.edge, 1.0, 1e-9);
-    EXPECT_EQ(demo().score(PiImage(10, 10)).edgeCount, 0u); // wrong size
+    EXPECT_NEAR(white.hair + black.hair, 1.0, 1e-9);
+    EXPECT_EQ(TsDemoPlate::score(truthImage, truthImage).hairCount, 0u); // no mask, no hair
+    EXPECT_EQ(demo().score(PiImage(10, 10)).edgeCount, 0u);         // wrong size
+}
+
+// Every subject, with more grain, unevenness and spill: the truth still makes
+// the plate (the screen where alpha is 0, far from it where alpha is 1), the
+// fine detail is partly transparent, and the options change the screen as
+// they say.
+TEST(DemoPlateVariants, EverySubjectHasItsTruthAndFineDetail) {
+    const std::vector<std::string>& names = TsDemoPlate::getSubjectNames();
+    ASSERT_EQ(names.size(), 6u);
+    for (std::size_t k = 0; k < names.size(); ++k) {
+        TsDemoPlate::Subject subject;
+        ASSERT_TRUE(TsDemoPlate::parseSubject(names[k], subject));
+        EXPECT_EQ(static_cast<std::size_t>(subject), k);
+        const TsDemoPlate plain(TsDemoPlate::Options{320, 180, 4, 1.0, 0.0, 1.0, subject});
+        const TsDemoPlate hard(TsDemoPlate::Options{320, 180, 4, 3.0, 4.0, 2.0, subject});
+        const TsMatteScore perfect = hard.score(*hard.getTruthAlpha());
+        EXPECT_EQ(perfect.all, 0.0) << names[k];
+        EXPECT_GT(perfect.hairCount, 50u) << names[k];
+        EXPECT_GT(perfect.insideCount, 200u) << names[k];
+        // Without unevenness the screen is the same colour in every corner
+        // (grain aside); at 4 times the default it varies by a fifth and more.
+        auto cornerRange = [](const TsDemoPlate& demo) {
+            float low = 1e9f, high = 0.0f;
+            for (const int i : {0, 308}) {
+                for (const int j : {0, 168}) {
+                    const float g = TsDemoPlate::medianColour(*demo.getPlate(), i, j, 12, 12).g;
+                    low = std::min(low, g);
+                    high = std::max(high, g);
+                }
+            }
+            return high / low;
+        };
+        EXPECT_LT(cornerRange(plain), 1.02f) << names[k];
+        EXPECT_GT(cornerRange(hard), 1.2f) << names[k];
+    }
+    TsDemoPlate::Subject subject = TsDemoPlate::Subject::Fur;
+    EXPECT_FALSE(TsDemoPlate::parseSubject("Portrait", subject));
+    EXPECT_EQ(subject, TsDemoPlate::Subject::Fur);
 }
 
 TEST_F(DemoPlate, DefaultKeyOfTheScreenColourIsAlreadyGood) {

@@ -1,5 +1,7 @@
 #include <tesseraCore/demo/tsDemoPlate.h>
 
+#include "tsDemoSubject.h"
+
 #include <oneapi/tbb/blocked_range.h>
 #include <oneapi/tbb/parallel_for.h>
 
@@ -12,18 +14,8 @@ namespace {
 
 using Rgb = CoRgbColorTyped<float>;
 
-// Deterministic randomness: splitmix64 over a counter, so that every pixel's
-// grain depends only on the seed and its coordinates.
-std::uint64_t splitmix(std::uint64_t x) {
-    x += 0x9e3779b97f4a7c15ULL;
-    x = (x ^ (x >> 30)) * 0xbf58476d1ce4e5b9ULL;
-    x = (x ^ (x >> 27)) * 0x94d049bb133111ebULL;
-    return x ^ (x >> 31);
-}
-
-double uniform(std::uint64_t bits) {
-    return static_cast<double>(bits >> 11) * (1.0 / 9007199254740992.0);
-}
+using TsDemoRandom::splitmix;
+using TsDemoRandom::uniform;
 
 // A normal deviate for (seed, pixel, channel), by Box-Muller.
 float gaussian(std::uint64_t seed, std::uint64_t index) {
@@ -34,35 +26,6 @@ float gaussian(std::uint64_t seed, std::uint64_t index) {
                               std::cos(2.0 * std::numbers::pi * u2));
 }
 
-class Random {
-public:
-    explicit Random(std::uint64_t seed)
-        : _state(seed) {}
-    double next() { return uniform(splitmix(_state++)); }
-    double between(double lo, double hi) { return lo + (hi - lo) * next(); }
-
-private:
-    std::uint64_t _state;
-};
-
-// The signed distance (pixels, negative inside) to an ellipse, to first
-// order: (k - 1) / |grad k| with k the ellipse's normalised radius.
-struct Ellipse {
-    double cx, cy, rx, ry;
-
-    double distance(double x, double y) const {
-        const double u = (x - cx) / rx;
-        const double v = (y - cy) / ry;
-        const double k = std::sqrt(u * u + v * v);
-        if (k < 1e-9) {
-            return -std::min(rx, ry);
-        }
-        const double gx = u / (rx * k);
-        const double gy = v / (ry * k);
-        return (k - 1.0) / std::sqrt(gx * gx + gy * gy);
-    }
-};
-
 double clamp01(double v) {
     return std::clamp(v, 0.0, 1.0);
 }
@@ -71,21 +34,26 @@ Rgb mix(const Rgb& a, const Rgb& b, float t) {
     return a * (1.0f - t) + b * t;
 }
 
-// The scene's fixed colours.
 const Rgb ScreenGreen{0.08f, 0.42f, 0.11f};
-const Rgb Skin{0.56f, 0.37f, 0.28f};
-const Rgb Shirt{0.18f, 0.2f, 0.28f};
-const Rgb ShirtStripe{0.62f, 0.6f, 0.56f};
-const Rgb HairRoot{0.28f, 0.17f, 0.09f};
-const Rgb HairTip{0.45f, 0.31f, 0.16f};
 
-// One hair strand, drawn as a quadratic curve of given width, with its
-// coverage of the pixels it touches.
-struct Strand {
-    double x0, y0, x1, y1, x2, y2;
-    double width;
-    double opacity;
-};
+// The mask grown by `radius` pixels (a square neighbourhood).
+std::vector<unsigned char> dilate(const std::vector<unsigned char>& mask, int width, int height,
+                                  int radius) {
+    std::vector<unsigned char> out(mask.size(), 0);
+    for (int j = 0; j < height; ++j) {
+        for (int i = 0; i < width; ++i) {
+            if (!mask[static_cast<std::size_t>(j) * width + i]) {
+                continue;
+            }
+            for (int y = std::max(0, j - radius); y <= std::min(height - 1, j + radius); ++y) {
+                std::fill_n(out.begin() + static_cast<std::ptrdiff_t>(y) * width +
+                                std::max(0, i - radius),
+                            std::min(width - 1, i + radius) - std::max(0, i - radius) + 1, 1);
+            }
+        }
+    }
+    return out;
+}
 
 } // namespace
 
@@ -99,111 +67,49 @@ TsDemoPlate::TsDemoPlate(const Options& options)
     generate();
 }
 
+const std::vector<std::string>& TsDemoPlate::getSubjectNames() {
+    static const std::vector<std::string> names{"portrait", "darkhair", "lighthair",
+                                                "fur",      "lattice",  "stem"};
+    return names;
+}
+
+bool TsDemoPlate::parseSubject(const std::string& name, Subject& subject) {
+    const auto& names = getSubjectNames();
+    const auto it = std::find(names.begin(), names.end(), name);
+    if (it == names.end()) {
+        return false;
+    }
+    subject = static_cast<Subject>(it - names.begin());
+    return true;
+}
+
 void TsDemoPlate::generate() {
     const int width = _options.width;
     const int height = _options.height;
     const double h = height;
-    const double cx = 0.5 * width;
     const std::uint64_t seed = splitmix(_options.seed);
-
-    const Ellipse head{cx, 0.56 * h, 0.14 * h, 0.18 * h};
-    const Ellipse neck{cx, 0.36 * h, 0.06 * h, 0.11 * h};
-    const Ellipse torso{cx, -0.05 * h, 0.42 * h, 0.36 * h};
-    const Ellipse cap{cx, 0.61 * h, 0.15 * h, 0.165 * h};
-    // The hairline: high on the forehead, lower at the temples.
-    auto hairline = [&](double x) {
-        const double u = (x - cx) / (0.15 * h);
-        return (0.62 - 0.05 * u * u) * h;
-    };
-
-    // Hair strands from the upper rim of the hair, out and down.
-    Random random(seed ^ 0x5151);
-    std::vector<Strand> strands;
-    const int strandCount = 160;
-    for (int s = 0; s < strandCount; ++s) {
-        const double angle = random.between(0.12, 0.88) * std::numbers::pi;
-        const double bx = cap.cx + cap.rx * std::cos(angle);
-        const double by = cap.cy + cap.ry * std::sin(angle);
-        const double turn = random.between(-0.45, 0.45);
-        const double dx = std::cos(angle + turn);
-        const double dy = std::sin(angle + turn);
-        const double length = random.between(0.05, 0.2) * h;
-        const double droop = random.between(0.1, 0.6) * length;
-        strands.push_back(
-            {bx - 0.03 * h * std::cos(angle), by - 0.03 * h * std::sin(angle),
-             bx + 0.55 * length * dx, by + 0.55 * length * dy,
-             bx + length * dx + random.between(-0.2, 0.2) * length, by + length * dy - droop,
-             std::max(0.5, random.between(0.5, 1.4) * h / 720.0), random.between(0.8, 1.0)});
-    }
-
-    // The strands' coverage and colour (premultiplied), layered in order.
-    std::vector<float> strandAlpha(static_cast<std::size_t>(width) * height, 0.0f);
-    std::vector<Rgb> strandColour(static_cast<std::size_t>(width) * height, Rgb{});
-    std::vector<float> coverage;
-    for (const Strand& st : strands) {
-        const int x0 =
-            std::max(0, static_cast<int>(std::floor(std::min({st.x0, st.x1, st.x2}) - 3.0)));
-        const int x1 =
-            std::min(width - 1, static_cast<int>(std::ceil(std::max({st.x0, st.x1, st.x2}) + 3.0)));
-        const int y0 =
-            std::max(0, static_cast<int>(std::floor(std::min({st.y0, st.y1, st.y2}) - 3.0)));
-        const int y1 = std::min(height - 1,
-                                static_cast<int>(std::ceil(std::max({st.y0, st.y1, st.y2}) + 3.0)));
-        if (x0 > x1 || y0 > y1) {
-            continue;
-        }
-        const int bw = x1 - x0 + 1;
-        coverage.assign(static_cast<std::size_t>(bw) * (y1 - y0 + 1), 0.0f);
-        const double chord =
-            std::hypot(st.x2 - st.x0, st.y2 - st.y0) + std::hypot(st.x1 - st.x0, st.y1 - st.y0);
-        const int steps = std::max(8, static_cast<int>(chord * 4.0));
-        for (int k = 0; k <= steps; ++k) {
-            const double t = static_cast<double>(k) / steps;
-            const double a = (1 - t) * (1 - t), b = 2 * (1 - t) * t, c = t * t;
-            const double px = a * st.x0 + b * st.x1 + c * st.x2;
-            const double py = a * st.y0 + b * st.y1 + c * st.y2;
-            const double w = st.width * (1.0 - 0.6 * t); // strands thin out
-            for (int j = std::max(y0, static_cast<int>(py) - 2);
-                 j <= std::min(y1, static_cast<int>(py) + 2); ++j) {
-                for (int i = std::max(x0, static_cast<int>(px) - 2);
-                     i <= std::min(x1, static_cast<int>(px) + 2); ++i) {
-                    const double d = std::hypot(i + 0.5 - px, j + 0.5 - py);
-                    const float cov = static_cast<float>(clamp01(0.5 * w + 0.5 - d) * st.opacity);
-                    float& cell = coverage[static_cast<std::size_t>(j - y0) * bw + (i - x0)];
-                    cell = std::max(cell, cov);
-                }
-            }
-        }
-        for (int j = y0; j <= y1; ++j) {
-            for (int i = x0; i <= x1; ++i) {
-                const float cov = coverage[static_cast<std::size_t>(j - y0) * bw + (i - x0)];
-                if (cov <= 0.0f) {
-                    continue;
-                }
-                const std::size_t p = static_cast<std::size_t>(j) * width + i;
-                // Lighter towards the tip: the distance from the root.
-                const double tip = clamp01(std::hypot(i - st.x0, j - st.y0) /
-                                           std::max(1.0, std::hypot(st.x2 - st.x0, st.y2 - st.y0)));
-                const Rgb colour = mix(HairRoot, HairTip, static_cast<float>(tip));
-                strandColour[p] = strandColour[p] * (1.0f - cov) + colour * cov;
-                strandAlpha[p] = strandAlpha[p] * (1.0f - cov) + cov;
-            }
-        }
-    }
+    const std::unique_ptr<TsDemoSubject> subject = TsDemoSubject::make(_options, seed);
 
     auto plate = rcMake<PiImage>(width, height);
     auto background = rcMake<PiImage>(width, height);
     auto truthAlpha = rcMake<PiImage>(width, height);
     auto truthForeground = rcMake<PiImage>(width, height);
+    _hair.assign(static_cast<std::size_t>(width) * height, 0);
     const Rgb screenChroma =
         ScreenGreen - Rgb{1, 1, 1} * ((ScreenGreen.r + ScreenGreen.g + ScreenGreen.b) / 3.0f);
     const double pi = std::numbers::pi;
+    const double uneven = _options.uneven;
+    const double spillScale = _options.spill;
+    const float grainScale = static_cast<float>(_options.grain);
 
-    // The screen's light: a broad, gentle unevenness (within about 6 %).
+    // The screen's light: a broad, gentle unevenness (within about 6 %),
+    // scaled by the options.
     auto lighting = [&](double x, double y) {
         const double u = x / width, v = y / h;
-        return 1.0 + 0.035 * std::cos(2 * pi * 0.8 * u + 0.3) * std::sin(2 * pi * 0.6 * v + 1.1) -
-               0.03 * (u - 0.5) * (u - 0.5) * 4.0 + 0.015 * (v - 0.5);
+        return 1.0 +
+               uneven * 0.035 * std::cos(2 * pi * 0.8 * u + 0.3) *
+                   std::sin(2 * pi * 0.6 * v + 1.1) -
+               uneven * 0.03 * (u - 0.5) * (u - 0.5) * 4.0 + uneven * 0.015 * (v - 0.5);
     };
 
     tbb::parallel_for(tbb::blocked_range<int>(0, height), [&](const tbb::blocked_range<int>& rows) {
@@ -212,58 +118,18 @@ void TsDemoPlate::generate() {
             for (int i = 0; i < width; ++i) {
                 const double x = i + 0.5;
                 const std::size_t p = static_cast<std::size_t>(j) * width + i;
-
-                // The body: head, neck and torso; its edge softens from left
-                // to right (0.8 to 6 pixels at 720 lines).
-                const double dHead = head.distance(x, y);
-                const double dNeck = neck.distance(x, y);
-                const double dTorso = torso.distance(x, y);
-                const double dBody = std::min({dHead, dNeck, dTorso});
-                const double side = clamp01((x - (cx - 0.45 * h)) / (0.9 * h));
-                const double softness = (0.8 + 5.2 * side * side) * h / 720.0;
-                const double bodyAlpha = clamp01(0.5 - dBody / softness);
-                Rgb body;
-                if (dTorso < std::min(dHead, dNeck)) {
-                    const double stripe = 0.5 + 0.5 * std::sin(2 * pi * x / (0.045 * h));
-                    body = mix(Shirt, ShirtStripe, static_cast<float>(stripe > 0.85 ? 1.0 : 0.0));
-                } else {
-                    const double shade =
-                        1.0 + 0.08 * std::sin(x / (0.05 * h)) * std::cos(y / (0.07 * h));
-                    body = Skin * static_cast<float>(shade);
-                }
-
-                // The hair: a cap over the top of the head and the strands.
-                const double dCap = cap.distance(x, y);
-                const double capAlpha = clamp01(0.5 - dCap / (0.9 * h / 720.0)) *
-                                        clamp01((y - hairline(x)) / (0.015 * h));
-                const double sA = strandAlpha[p];
-                const double hairAlpha = 1.0 - (1.0 - capAlpha) * (1.0 - sA);
-                Rgb hairPremult =
-                    HairRoot * static_cast<float>(capAlpha * (1.0 - sA)) + strandColour[p];
-
-                // Hair over body.
-                const double alpha = hairAlpha + bodyAlpha * (1.0 - hairAlpha);
-                const float a = static_cast<float>(alpha);
-                Rgb premult =
-                    hairPremult + body * static_cast<float>(bodyAlpha * (1.0 - hairAlpha));
-                Rgb foreground = alpha > 0.0 ? premult * static_cast<float>(1.0 / alpha) : Rgb{};
-
-                // Spill: the screen's chroma, strongest at the body's edge and
-                // on the strands.
-                const double inside = std::max(0.0, -dBody);
-                const double bodySpill = 0.35 * std::exp(-inside / (0.03 * h));
-                const double hairSpill = 0.12 * capAlpha * (1.0 - sA) + 0.35 * sA;
-                const double spill =
-                    alpha > 0.0 ? (hairSpill + bodySpill * bodyAlpha * (1.0 - hairAlpha)) / alpha
-                                : 0.0;
-                const Rgb spilled = foreground + screenChroma * static_cast<float>(spill);
+                const TsDemoSubject::Pixel s = subject->at(i, j);
+                const float a = static_cast<float>(s.alpha);
+                const Rgb& foreground = s.colour;
+                const Rgb spilled =
+                    foreground + screenChroma * static_cast<float>(s.spill * spillScale);
 
                 const Rgb screen = ScreenGreen * static_cast<float>(lighting(x, y));
                 const Rgb colour = spilled * a + screen * (1.0f - a);
 
                 float* out = plate->row(j) + 4 * i;
                 for (int c = 0; c < 3; ++c) {
-                    const float sigma = 0.004f + 0.012f * std::max(0.0f, colour[c]);
+                    const float sigma = (0.004f + 0.012f * std::max(0.0f, colour[c])) * grainScale;
                     out[c] = colour[c] + sigma * gaussian(seed, 3 * p + c);
                 }
                 out[3] = 1.0f;
@@ -276,6 +142,7 @@ void TsDemoPlate::generate() {
                 f[1] = foreground.g;
                 f[2] = foreground.b;
                 f[3] = a;
+                _hair[p] = s.fine && a < 1.0f;
 
                 // The background scene: ground, a warm horizon, a blue sky
                 // and a bright sun.
@@ -302,6 +169,9 @@ void TsDemoPlate::generate() {
         }
     });
 
+    // The hair region: the band around partly covered fine detail, as wide as
+    // the edge band.
+    _hair = dilate(_hair, width, height, TsMatteScore::EdgeBandRadius);
     _screen = ScreenGreen * static_cast<float>(lighting(16.0, h - 16.0));
     _plate = plate;
     _background = background;
@@ -321,10 +191,11 @@ TsKeyerSettings TsDemoPlate::makeDefaultSettings() const {
 }
 
 TsMatteScore TsDemoPlate::score(const PiImage& matte) const {
-    return score(*_truthAlpha, matte);
+    return score(*_truthAlpha, matte, &_hair);
 }
 
-TsMatteScore TsDemoPlate::score(const PiImage& truth, const PiImage& matte) {
+TsMatteScore TsDemoPlate::score(const PiImage& truth, const PiImage& matte,
+                                const std::vector<unsigned char>* hair) {
     TsMatteScore result;
     const int width = truth.getWidth();
     const int height = truth.getHeight();
@@ -332,33 +203,26 @@ TsMatteScore TsDemoPlate::score(const PiImage& truth, const PiImage& matte) {
         return result;
     }
     // The edge band: partial pixels, dilated.
-    const int radius = TsMatteScore::EdgeBandRadius;
     std::vector<unsigned char> partial(static_cast<std::size_t>(width) * height, 0);
-    std::vector<unsigned char> band(partial.size(), 0);
     for (int j = 0; j < height; ++j) {
         for (int i = 0; i < width; ++i) {
             const float a = truth.row(j)[4 * i];
             partial[static_cast<std::size_t>(j) * width + i] = a > 0.0f && a < 1.0f;
         }
     }
-    for (int j = 0; j < height; ++j) {
-        for (int i = 0; i < width; ++i) {
-            if (!partial[static_cast<std::size_t>(j) * width + i]) {
-                continue;
-            }
-            for (int y = std::max(0, j - radius); y <= std::min(height - 1, j + radius); ++y) {
-                for (int x = std::max(0, i - radius); x <= std::min(width - 1, i + radius); ++x) {
-                    band[static_cast<std::size_t>(y) * width + x] = 1;
-                }
-            }
-        }
-    }
-    double inside = 0.0, outside = 0.0, edge = 0.0;
+    const std::vector<unsigned char> band =
+        dilate(partial, width, height, TsMatteScore::EdgeBandRadius);
+    const bool withHair = hair && hair->size() == band.size();
+    double inside = 0.0, outside = 0.0, edge = 0.0, hairSum = 0.0;
     for (int j = 0; j < height; ++j) {
         const float* t = truth.row(j);
         const float* m = matte.row(j);
         for (int i = 0; i < width; ++i) {
             const double error = std::fabs(static_cast<double>(m[4 * i]) - t[4 * i]);
+            if (withHair && (*hair)[static_cast<std::size_t>(j) * width + i]) {
+                hairSum += error;
+                ++result.hairCount;
+            }
             if (band[static_cast<std::size_t>(j) * width + i]) {
                 edge += error;
                 ++result.edgeCount;
@@ -377,6 +241,7 @@ TsMatteScore TsDemoPlate::score(const PiImage& truth, const PiImage& matte) {
     result.inside = mean(inside, result.insideCount);
     result.outside = mean(outside, result.outsideCount);
     result.edge = mean(edge, result.edgeCount);
+    result.hair = mean(hairSum, result.hairCount);
     result.all =
         mean(inside + outside + edge, result.insideCount + result.outsideCount + result.edgeCount);
     return result;
