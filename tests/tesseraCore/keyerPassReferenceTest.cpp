@@ -1,5 +1,7 @@
 #include <tesseraCore/img/tsBlendStage.h>
 #include <tesseraCore/img/tsKeyerPass.h>
+#include <tesseraCore/img/tsMatteStage.h>
+#include <tesseraCore/img/tsScreenEstimate.h>
 
 #include <tesseraUtil/tsMgAnimToAlgo.h>
 #include <tesseraUtil/tsMgUtils.h>
@@ -9,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -26,53 +29,108 @@ float clamp01(float v) {
     return std::min(std::max(v, 0.0f), 1.0f);
 }
 
-// The keyer's formulas for one pixel, written out as the stages' headers
-// state them, one step after another, with no regard for speed.
+// The keyer's formulas, written out as the headers state them, one step
+// after another, with no regard for speed. The screen estimate is the
+// library's (TsScreenEstimate, tested on its own); the rest is here.
 //
 // Where the matte jumps (the switch between the deep and the ordinary hue
-// reaches, the degrain box's surface, a patch's hard edge, the status view's
-// thresholds) the last bit of a float decides the side, so a colour that
-// close to one is reported and not compared.
+// reaches, the degrain box's surface, a patch's hard edge, the test of a flat
+// neighbourhood, the status view's thresholds) the last bit of a float decides
+// the side, so a pixel that close to one is reported and not compared.
 class ReferenceKeyer {
 public:
     static constexpr float SwitchMargin = 1e-4f;
 
-    explicit ReferenceKeyer(const TsKeyerSettings& settings)
-        : _settings(settings) {
+    ReferenceKeyer(const TsKeyerSettings& settings, const PiImage& plate)
+        : _settings(settings)
+        , _plate(plate)
+        , _screen(plate, settings) {
         const float blend = unit(settings.matte[8]);
         _key = settings.keyColors[0] * (1.0f - blend) + settings.keyColors[1] * blend;
         _intrusion = TsMgAnimToAlgo::overallToIntrusion(static_cast<float>(settings.matte[0]));
-        _opponent = TsMgAnimToAlgo::rangeEToOpponent(static_cast<float>(settings.matte[7]));
+        _width = 1.0f / TsMgAnimToAlgo::rangeEToOpponent(static_cast<float>(settings.matte[7]));
         _softness = TsMgUtils::getSoftnessMatrix(_key, _intrusion);
         _axes = TsMgUtils::getKeyAxes(_key);
     }
 
-    // nearEnd: the matte before the degrain box and the patches is that close
-    // to 0 or 1 (where its clamp starts).
-    float alpha(const Rgb& x, bool& nearSwitch, bool& nearEnd) const {
-        const auto& p = _settings.matte;
-        float d[3];
-        for (int row = 0; row < 3; ++row) {
-            d[row] = _softness.get(row, 0) * x.r + _softness.get(row, 1) * x.g +
-                     _softness.get(row, 2) * x.b + _softness.get(row, 3);
-        }
-        const bool deep = d[0] < -_intrusion;
-        nearSwitch = nearSwitch || std::fabs(d[0] + _intrusion) < SwitchMargin;
-        const float reachPlus = unit(deep ? p[3] : p[5]);
-        const float reachMinus = unit(deep ? p[4] : p[6]);
-        const float e2 = std::max({0.0f, d[1] - reachPlus, -d[1] - reachMinus});
-        const float e3 = std::max({0.0f, d[2] - unit(p[2]), -d[2] - unit(p[1])});
-        const float raw = _opponent * std::max({d[0], e2, e3});
-        float a = clamp01(raw);
-        // The same without the floors at 0, which the clamp makes no
-        // difference to: where it is near 0 or 1, rounding decides whether
-        // the matte is clamped.
-        const float edge = _opponent * std::max({d[0], d[1] - reachPlus, -d[1] - reachMinus,
-                                                 d[2] - unit(p[2]), -d[2] - unit(p[1])});
-        nearEnd = std::fabs(edge) < SwitchMargin || std::fabs(edge - 1.0f) < SwitchMargin;
+    // The screen's values at pixel (i, j): the gains along the pixel's block
+    // of 64, the grain and share at the block's middle.
+    struct Screen {
+        Rgb gain;
+        float grain, share;
+    };
+    Screen screenAt(int i, int j) const {
+        std::vector<TsScreenEstimate::Line> lines((_plate.getWidth() + 63) / 64);
+        _screen.rowLines(j, lines.data());
+        const TsScreenEstimate::Line& l = lines[static_cast<std::size_t>(i / 64)];
+        const float k = static_cast<float>(i % 64);
+        return {
+            {l.start[0] + l.step[0] * k, l.start[1] + l.step[1] * k, l.start[2] + l.step[2] * k},
+            l.start[3] + l.step[3] * 32.0f,
+            l.start[4] + l.step[4] * 32.0f};
+    }
 
+    // Softness coordinates of pixel (i, j) (clamped to the plate) in the key
+    // colour's light.
+    Rgb coords(int i, int j) const {
+        i = std::clamp(i, 0, _plate.getWidth() - 1);
+        j = std::clamp(j, 0, _plate.getHeight() - 1);
+        const Rgba p = _plate.getPixel(i, j);
+        const Rgb g = screenAt(i, j).gain;
+        return _softness.transform(p.r * g.r, p.g * g.g, p.b * g.b);
+    }
+
+    // The matte at pixel (i, j).
+    float alpha(int i, int j, bool& nearSwitch, bool& nearEnd) const {
+        const auto& p = _settings.matte;
+        const Screen screen = screenAt(i, j);
+        const Rgb d = coords(i, j);
+        // Degrain before the key.
+        float all[9], around[8];
+        int n = 0, m = 0;
+        for (int dy = -1; dy <= 1; ++dy) {
+            for (int dx = -1; dx <= 1; ++dx) {
+                const float v = coords(i + dx, j + dy).r;
+                all[n++] = v;
+                if (dx != 0 || dy != 0) {
+                    around[m++] = v;
+                }
+            }
+        }
+        const float reach = TsKeyerPass::FlatSpread * screen.grain;
+        const float spread = *std::max_element(all, all + 9) - *std::min_element(all, all + 9);
+        const float aroundSpread =
+            *std::max_element(around, around + 8) - *std::min_element(around, around + 8);
+        nearSwitch = nearSwitch || std::fabs(spread - reach) < SwitchMargin ||
+                     std::fabs(aroundSpread - reach) < SwitchMargin;
+        float value = d.r;
+        if (spread <= reach) {
+            value = std::accumulate(all, all + 9, 0.0f) / 9.0f;
+        } else if (aroundSpread <= reach) {
+            value = std::accumulate(around, around + 8, 0.0f) / 8.0f;
+        }
+        const float clean =
+            clamp01((screen.share - TsKeyerPass::CleanShare) / (1.0f - TsKeyerPass::CleanShare));
+        value -= clean * screen.grain;
+
+        // The matte: the screen's share along axis 1, hue beyond its reach.
+        const bool deep = value < -_intrusion;
+        nearSwitch = nearSwitch || std::fabs(value + _intrusion) < SwitchMargin;
+        const float reachPlus = TsMgAnimToAlgo::hueToReach(static_cast<float>(deep ? p[3] : p[5]));
+        const float reachMinus = TsMgAnimToAlgo::hueToReach(static_cast<float>(deep ? p[4] : p[6]));
+        const float core = TsMatteStage::CoreShare * _intrusion;
+        const float e2 = std::max(d.g - reachPlus, -d.g - reachMinus);
+        const float raw =
+            (std::max(value + _intrusion, e2 + core) - core) / (_intrusion + _width - core);
+        float a = clamp01(raw);
+        nearEnd = std::fabs(raw) < SwitchMargin || std::fabs(raw - 1.0f) < SwitchMargin;
+
+        const Rgba x = _plate.getPixel(i, j);
         if (_settings.degrainOn && _settings.degrainBox != Box::IDENTITY) {
-            const float q = TsUtils::boxDistance(_settings.degrainBox, x.r, x.g, x.b);
+            const Rgb g = screen.gain;
+            const float q = std::min(
+                TsUtils::boxDistance(_settings.degrainBox, x.r, x.g, x.b),
+                TsUtils::boxDistance(_settings.degrainBox, x.r * g.r, x.g * g.g, x.b * g.b));
             nearSwitch = nearSwitch || std::fabs(q - 1.0f) < SwitchMargin;
             if (q <= 1.0f) {
                 a = 0.0f;
@@ -83,14 +141,14 @@ public:
                 continue;
             }
             const float q = TsUtils::boxDistance(patch.box, x.r, x.g, x.b);
-            const float reach = 1.0f + unit(patch.range);
+            const float patchReach = 1.0f + unit(patch.range);
             const float softness = unit(patch.softness);
             float w = 1.0f;
-            if (q > reach) {
-                w = softness > 0.0f ? clamp01(1.0f - (q - reach) / softness) : 0.0f;
+            if (q > patchReach) {
+                w = softness > 0.0f ? clamp01(1.0f - (q - patchReach) / softness) : 0.0f;
             }
             if (softness == 0.0f) {
-                nearSwitch = nearSwitch || std::fabs(q - reach) < SwitchMargin;
+                nearSwitch = nearSwitch || std::fabs(q - patchReach) < SwitchMargin;
             }
             if (patch.mode == 1) {
                 a += w * (0.5f - a) / 2.0f;
@@ -103,16 +161,25 @@ public:
         return a;
     }
 
-    Rgb despill(const Rgb& x) const {
+    // The foreground: the screen's share taken out, then despilled.
+    Rgb foreground(int i, int j, float a) const {
+        const Rgba x = _plate.getPixel(i, j);
+        const Rgb g = screenAt(i, j).gain;
+        const Rgb screen{_key.r / g.r, _key.g / g.g, _key.b / g.b};
+        const float inverse = a > TsKeyerPass::MinUnmixAlpha ? 1.0f / a : 0.0f;
+        Rgb f{std::max((x.r - (1.0f - a) * screen.r) * inverse, 0.0f),
+              std::max((x.g - (1.0f - a) * screen.g) * inverse, 0.0f),
+              std::max((x.b - (1.0f - a) * screen.b) * inverse, 0.0f)};
+        // Despill, the distance measured on the pixel in the key's light.
+        const Rgb d = coords(i, j);
         const float amount = unit(_settings.spill[0]);
         const Rgb u = _axes.axis[0] * -1.0f;
         const float c = _axes.chroma;
-        const float sigma = (u.r * x.r + u.g * x.g + u.b * x.b) / c;
-        const Rgb fromKey = x - _key;
-        const float distance =
-            std::sqrt(fromKey.r * fromKey.r + fromKey.g * fromKey.g + fromKey.b * fromKey.b) / c;
-        const float reach = 0.1f + 2.0f * unit(_settings.spill[1]);
-        const float w = clamp01(2.0f - (distance / reach) * (distance / reach));
+        const float sigma = (u.r * f.r + u.g * f.g + u.b * f.b) / c;
+        const float t = d.r + _intrusion;
+        const float distance2 = t * t + d.g * d.g + d.b * d.b;
+        const float spillReach = 0.1f + 2.0f * unit(_settings.spill[1]);
+        const float w = clamp01(2.0f - distance2 / (spillReach * spillReach));
         const float m = amount * std::max(0.0f, sigma) * w * c;
         Rgb hue = _axes.axis[1];
         if (hue.r - hue.b < 0.0f) {
@@ -121,13 +188,13 @@ public:
         const Rgb& n = _axes.axis[2];
         const float bx = 2.0f * unit(_settings.edgeBalanceX) - 1.0f;
         const float by = 2.0f * unit(_settings.edgeBalanceY) - 1.0f;
-        return x - u * m + (hue * bx + n * by) * m;
+        return f - u * m + (hue * bx + n * by) * m;
     }
 
     // The pixel of a view; `back` is the background behind it.
-    Rgba view(TsViewMode mode, const Rgb& x, const Rgba& back, bool& nearSwitch) const {
+    Rgba view(TsViewMode mode, int i, int j, const Rgba& back, bool& nearSwitch) const {
         bool nearEnd = false;
-        const float a = alpha(x, nearSwitch, nearEnd);
+        const float a = alpha(i, j, nearSwitch, nearEnd);
         if (mode == TsViewMode::Matte) {
             return {a, a, a, 1.0f};
         }
@@ -137,7 +204,10 @@ public:
             const float s = a <= 0.0f ? 0.0f : (a >= 1.0f ? 1.0f : 0.5f);
             return {s, s, s, 1.0f};
         }
-        const Rgb f = despill(x);
+        // The unmixing divides by alpha: near its threshold the last bit
+        // decides.
+        nearSwitch = nearSwitch || std::fabs(a - TsKeyerPass::MinUnmixAlpha) < SwitchMargin;
+        const Rgb f = foreground(i, j, a);
         if (mode == TsViewMode::Foreground) {
             return {f.r, f.g, f.b, a};
         }
@@ -152,9 +222,11 @@ public:
 
 private:
     TsKeyerSettings _settings;
+    const PiImage& _plate;
+    TsScreenEstimate _screen;
     Rgb _key;
     float _intrusion;
-    float _opponent;
+    float _width;
     Box _softness;
     TsMgUtils::KeyAxes _axes;
 };
@@ -170,7 +242,7 @@ class RandomScenes : public ::testing::Test {
 protected:
     static constexpr int W = 131;
     static constexpr int H = 5;
-    static constexpr float Tolerance = 1e-6f;
+    static constexpr float Tolerance = 2e-6f;
 
     std::mt19937 rng{20261121};
 
@@ -284,7 +356,7 @@ TEST_F(RandomScenes, EveryViewMatchesTheFormulasPixelByPixel) {
         const TsKeyerSettings settings = randomSettings(centres);
         const PiImage plate = randomPlate(centres);
         const PiImage background = randomBackground();
-        const ReferenceKeyer reference(settings);
+        const ReferenceKeyer reference(settings, plate);
         for (const Case& c : cases) {
             const PiImage* back = c.withBackground ? &background : nullptr;
             PiImage out;
@@ -295,16 +367,21 @@ TEST_F(RandomScenes, EveryViewMatchesTheFormulasPixelByPixel) {
                 for (int i = 0; i < W; ++i) {
                     const Rgba p = plate.getPixel(i, j);
                     bool nearSwitch = false;
-                    const Rgba expected = reference.view(c.mode, {p.r, p.g, p.b},
-                                                         backgroundAt(back, i, j), nearSwitch);
+                    const Rgba expected =
+                        reference.view(c.mode, i, j, backgroundAt(back, i, j), nearSwitch);
                     if (nearSwitch) {
                         ++skipped;
                         continue;
                     }
                     ++compared;
                     const Rgba got = out.getPixel(i, j);
+                    // The foreground's straight colour divides by alpha: it
+                    // is compared premultiplied, as it is composited.
+                    const bool straight = c.mode == TsViewMode::Foreground;
                     for (int k = 0; k < 4; ++k) {
-                        ASSERT_NEAR(got[k], expected[k], Tolerance)
+                        const float scaleGot = straight && k < 3 ? got.a : 1.0f;
+                        const float scaleExpected = straight && k < 3 ? expected.a : 1.0f;
+                        ASSERT_NEAR(got[k] * scaleGot, expected[k] * scaleExpected, Tolerance)
                             << "scene " << scene << " view " << static_cast<int>(c.mode)
                             << " pixel " << i << ", " << j << " channel " << k;
                     }

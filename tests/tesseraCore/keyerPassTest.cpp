@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -72,59 +73,84 @@ TEST_F(FlatColourKey, KeyColourIsTransparentAndFarColoursOpaque) {
     EXPECT_EQ(m[2], 1.0f);
     EXPECT_EQ(m[3], 1.0f);
     EXPECT_EQ(m[4], 1.0f); // black lies at d1 = 1 like every neutral
-    // Half way to grey: 5/3 * (0.5 - 0.15).
-    EXPECT_NEAR(m[5], 0.5833f, 1e-3f);
+    // Half way to grey: (0.5 - 0.0375) / (0.75 - 0.0375).
+    EXPECT_NEAR(m[5], 0.6491f, 1e-3f);
     // The scalar formula and the pass agree.
     EXPECT_NEAR(alpha(at(0.5f)), m[5], 1e-6f);
     // A broken pixel keys as transparent rather than spreading NaN.
     EXPECT_EQ(alpha({std::nanf(""), 0.5f, 0.1f}), 0.0f);
 }
 
+// Along axis 1 the matte is the screen's share: 0 up to the core (a quarter
+// of the intrusion), then a straight line to 1 at the intrusion plus the edge
+// width.
 TEST_F(FlatColourKey, OverallAndEdgeSoftnessSetTheRampAlongAxisOne) {
+    auto ramp = [](float t, float i, float w) {
+        const float c = TsMatteStage::CoreShare * i;
+        return std::clamp((t - c) / (i + w - c), 0.0f, 1.0f);
+    };
     const float i = TsMgAnimToAlgo::overallToIntrusion(0.5f);          // 0.15
     const float width = 1.0f / TsMgAnimToAlgo::rangeEToOpponent(0.5f); // 0.6
-    EXPECT_NEAR(alpha(at(i - 0.01f)), 0.0f, 1e-6f);
-    EXPECT_NEAR(alpha(at(i + 0.06f)), 0.1f, 1e-4f);
-    EXPECT_NEAR(alpha(at(i + width - 0.03f)), 0.95f, 1e-4f);
+    EXPECT_EQ(alpha(at(0.03f)), 0.0f);
+    for (const float t : {0.1f, 0.3f, 0.7f}) {
+        EXPECT_NEAR(alpha(at(t)), ramp(t, i, width), 1e-4f) << t;
+    }
     EXPECT_EQ(alpha(at(i + width + 0.01f)), 1.0f);
 
-    settings.matte[0] = 1.0; // intrusion 0.6: half way to grey is still screen
-    EXPECT_EQ(alpha(at(0.5f)), 0.0f);
-    EXPECT_NEAR(alpha(at(0.66f)), 0.06f / width, 1e-4f);
+    settings.matte[0] = 1.0; // intrusion 0.6: the core reaches 0.15
+    EXPECT_EQ(alpha(at(0.14f)), 0.0f);
+    EXPECT_NEAR(alpha(at(0.5f)), ramp(0.5f, 0.6f, width), 1e-4f);
 
     settings.matte[0] = 0.5;
     settings.matte[7] = 0.0; // a hard edge 0.1 wide
-    EXPECT_NEAR(alpha(at(i + 0.05f)), 0.5f, 1e-4f);
+    EXPECT_NEAR(alpha(at(0.15f)), ramp(0.15f, i, 0.1f), 1e-4f);
     EXPECT_EQ(alpha(at(i + 0.11f)), 1.0f);
 }
 
-TEST_F(FlatColourKey, ShadowsAndHighlightsReachAlongBrightness) {
-    // A slightly brighter or darker screen: inside the reach (0.5) it stays
-    // transparent, beyond it the matte rises with the same slope.
-    EXPECT_EQ(alpha(at(0.0f, 0.0f, 0.45f)), 0.0f);
-    EXPECT_EQ(alpha(at(0.0f, 0.0f, -0.45f)), 0.0f);
-    EXPECT_NEAR(alpha(at(0.0f, 0.0f, 0.8f)), 0.5f, 1e-3f);
-    EXPECT_NEAR(alpha(at(0.0f, 0.0f, -0.8f)), 0.5f, 1e-3f);
-    settings.matte[2] = 1.0; // highlights reach 1
+// A colour's brightness alone never makes it opaque: a veil of light fabric
+// and a strand of dark hair are mixes with the screen like any other. The
+// screen lit brighter or darker is keyed as screen within the reach of
+// Highlights and Shadows, measured on the plate (TsScreenEstimate).
+TEST_F(FlatColourKey, ShadowsAndHighlightsReachTheScreenAsLit) {
     EXPECT_EQ(alpha(at(0.0f, 0.0f, 0.8f)), 0.0f);
-    EXPECT_NEAR(alpha(at(0.0f, 0.0f, -0.8f)), 0.5f, 1e-3f); // shadows unchanged
-    settings.matte[1] = 0.0;                                // no reach on the dark side
-    EXPECT_NEAR(alpha(at(0.0f, 0.0f, -0.15f)), 0.25f, 1e-3f);
+    EXPECT_EQ(alpha(at(0.0f, 0.0f, -0.8f)), 0.0f);
+    // Half the plate the key colour, half a part of the screen at 70 % of
+    // its light: out of reach it keys as a mix with a dark subject.
+    const Rgb dark = key * 0.7f;
+    auto darkMatte = [&](double shadows) {
+        settings.matte[1] = shadows;
+        return passMatte({key, dark}, 48)[1];
+    };
+    EXPECT_EQ(darkMatte(0.5), 0.0f); // reach 0.4
+    EXPECT_NEAR(darkMatte(0.2), alpha(dark), 1e-5f);
+    EXPECT_GT(alpha(dark), 0.3f);
+    settings.matte[1] = 0.5;
+    // A part of the screen brighter by a fifth and a little washed out.
+    const Rgb washed = (key + (grey - key) * 0.25f) * 1.2f;
+    auto washedMatte = [&](double highlights) {
+        settings.matte[2] = highlights;
+        return passMatte({key, washed}, 48)[1];
+    };
+    EXPECT_EQ(washedMatte(0.5), 0.0f); // reach 1
+    EXPECT_GT(washedMatte(0.0), 0.05f);
 }
 
 TEST_F(FlatColourKey, HueReachesDependOnDepth) {
+    const float i = TsMgAnimToAlgo::overallToIntrusion(0.5f);
+    const float c = TsMatteStage::CoreShare * i;
+    const float slope = 1.0f / (0.6f + i - c);
     // Beside the screen colour (not deeper than it): parameters 5 and 6.
-    settings.matte[5] = 0.2;
-    settings.matte[6] = 0.4;
-    EXPECT_EQ(alpha(at(0.05f, 0.19f)), 0.0f);
-    EXPECT_NEAR(alpha(at(0.05f, 0.5f)), 0.5f, 1e-3f);  // (0.5 - 0.2) * 5/3
-    EXPECT_NEAR(alpha(at(0.05f, -0.7f)), 0.5f, 1e-3f); // (0.7 - 0.4) * 5/3
+    settings.matte[5] = 0.4; // reach 0.096
+    settings.matte[6] = 0.8; // reach 0.384
+    EXPECT_EQ(alpha(at(0.03f, 0.09f)), 0.0f);
+    EXPECT_NEAR(alpha(at(0.03f, 0.5f)), slope * (0.5f - 0.096f), 1e-3f);
+    EXPECT_NEAR(alpha(at(0.03f, -0.7f)), slope * (0.7f - 0.384f), 1e-3f);
     // Deeper than the key colour: parameters 3 and 4 instead.
     settings.matte[3] = 0.0;
-    settings.matte[4] = 1.0;
-    EXPECT_NEAR(alpha(at(-0.3f, 0.3f)), 0.5f, 1e-3f);
-    EXPECT_EQ(alpha(at(-0.3f, -0.9f)), 0.0f);
-    EXPECT_NEAR(alpha(at(0.05f, -0.9f)), 5.0f / 3.0f * 0.5f, 1e-3f); // beside: hue minus 0.4
+    settings.matte[4] = 1.0; // reach 0.6
+    EXPECT_NEAR(alpha(at(-0.3f, 0.3f)), slope * 0.3f, 1e-3f);
+    EXPECT_EQ(alpha(at(-0.3f, -0.55f)), 0.0f);
+    EXPECT_NEAR(alpha(at(0.03f, -0.55f)), slope * (0.55f - 0.384f), 1e-3f); // beside
 }
 
 TEST_F(FlatColourKey, KeyBlendChoosesBetweenTheTwoKeyColours) {
@@ -170,10 +196,10 @@ TEST_F(FlatColourKey, PatchesForceTheMatteInsideTheirBoxOnly) {
 }
 
 TEST_F(FlatColourKey, DegrainClearsTheScreensGrainAndNothingElse) {
-    // Heavy grain: a good share of the screen pixels lands beyond the
-    // intrusion and shows in the matte.
+    // Grain on one row of screen: the matte averages it away where a pixel
+    // stands out of flat neighbours, but grain this heavy still shows.
     std::mt19937 rng(5);
-    std::normal_distribution<float> grain(0.0f, 0.04f);
+    std::normal_distribution<float> grain(0.0f, 0.02f);
     std::vector<Rgb> screen;
     List<CoRgbaColorTyped<float>> picked;
     for (int k = 0; k < 400; ++k) {
@@ -188,6 +214,8 @@ TEST_F(FlatColourKey, DegrainClearsTheScreensGrainAndNothingElse) {
     }
     EXPECT_GT(speckles, 20);
 
+    // The degrain box sampled on it holds all of it, in the key colour's
+    // light.
     settings.degrainBox = TsUtils::arrangeMatrixForPatchEdge(
         key, TsUtils::computeMinimalBoxMatrix(TsUtils::makeUnique(picked)));
     EXPECT_EQ(passMatte(screen, 1), before); // still off
@@ -200,18 +228,21 @@ TEST_F(FlatColourKey, DegrainClearsTheScreensGrainAndNothingElse) {
 }
 
 TEST_F(FlatColourKey, ShortRowsAndBlockTailsKeyLikeWholeBlocks) {
-    // 67 pixels: one block of 64 and a tail of 3, with the same colours in
-    // both.
-    PiImage plate(67, 1);
-    for (int i = 0; i < 67; ++i) {
-        const Rgb c = at(static_cast<float>(i % 7) / 6.0f);
-        plate.setPixel(i, 0, {c.r, c.g, c.b, 1.0f});
+    // 67 pixels: one block of 64 and a tail of 3; swatches of seven pixels
+    // (none of them screen) key as their colour does.
+    PiImage plate(67, 3);
+    auto colour = [this](int i) { return at(0.4f + 0.1f * static_cast<float>((i / 7) % 7)); };
+    for (int j = 0; j < 3; ++j) {
+        for (int i = 0; i < 67; ++i) {
+            const Rgb c = colour(i);
+            plate.setPixel(i, j, {c.r, c.g, c.b, 1.0f});
+        }
     }
     PiImage out;
     TsKeyerPass::run(plate, nullptr, settings, TsViewMode::Matte, out);
-    for (int i = 0; i < 67; ++i) {
-        const Rgb c = at(static_cast<float>(i % 7) / 6.0f);
-        ASSERT_FLOAT_EQ(out.getPixel(i, 0).r, alpha(c)) << i;
+    for (int i = 3; i < 67; i += 7) {
+        const Rgb c = colour(i);
+        ASSERT_NEAR(out.getPixel(i, 1).r, alpha(c), 1e-5f) << i;
     }
 }
 
@@ -258,7 +289,7 @@ TEST_F(KeyerViews, SourceMatteAndStatus) {
     const auto screen = view(TsViewMode::Matte, 5, 5);
     EXPECT_EQ(screen, (CoRgbaColorTyped<float>{0, 0, 0, 1}));
     EXPECT_EQ(view(TsViewMode::Matte, 40, 5), (CoRgbaColorTyped<float>{1, 1, 1, 1}));
-    EXPECT_NEAR(view(TsViewMode::Matte, 70, 5).r, 0.5833f, 1e-3f);
+    EXPECT_NEAR(view(TsViewMode::Matte, 70, 5).r, 0.6491f, 1e-3f);
     EXPECT_EQ(view(TsViewMode::Status, 5, 5).r, 0.0f);
     EXPECT_EQ(view(TsViewMode::Status, 40, 5).r, 1.0f);
     EXPECT_EQ(view(TsViewMode::Status, 70, 5).r, 0.5f);
@@ -267,7 +298,14 @@ TEST_F(KeyerViews, SourceMatteAndStatus) {
 
 TEST_F(KeyerViews, ForegroundCarriesTheMatteAndCompositeUsesTheBackground) {
     const auto fg = view(TsViewMode::Foreground, 70, 5);
-    EXPECT_NEAR(fg.a, 0.5833f, 1e-3f);
+    EXPECT_NEAR(fg.a, 0.6491f, 1e-3f);
+    // The screen's share taken out: the half-way strip is grey and the
+    // key colour mixed, and with the screen out its colour is much nearer the
+    // grey than the plate's (despill takes the rest).
+    const Rgb half = at(0.5f);
+    const Rgb unmixed = (half - key * (1.0f - fg.a)) * (1.0f / fg.a);
+    EXPECT_LT(std::fabs(fg.g - grey.g), std::fabs(half.g - grey.g) / 2);
+    EXPECT_LT(fg.g, unmixed.g + 1e-5f);
     // Without a background: the checkerboard (dark square at the corner).
     EXPECT_EQ(view(TsViewMode::Composite, 5, 5).r, TsBlendStage::CheckerDark);
     EXPECT_EQ(view(TsViewMode::Composite, 20, 5).r, TsBlendStage::CheckerLight);
@@ -309,16 +347,17 @@ TEST_F(KeyerViews, ViewerPathKeysAReducedPlate) {
     // Flat regions key as at full resolution; the boundary block mixes.
     EXPECT_EQ(small.getPixel(1, 1).r, 0.0f);
     EXPECT_EQ(small.getPixel(15, 1).r, 1.0f);
-    EXPECT_NEAR(small.getPixel(23, 1).r, 0.5833f, 1e-3f);
+    EXPECT_NEAR(small.getPixel(23, 1).r, 0.6491f, 1e-3f);
     // A settings change reaches the viewer image at once (the proxy is kept).
-    settings.matte[0] = 1.0;
+    settings.matte[7] = 0.0;
     pass.setSettings(settings);
     pass.renderViewer(TsViewMode::Matte, 40, small);
-    EXPECT_EQ(small.getPixel(23, 1).r, 0.0f);
+    EXPECT_EQ(small.getPixel(23, 1).r, 1.0f);
     // A new plate drops the proxy.
-    pass.setPlate(rcMake<PiImage>(W, H, CoRgbaColorTyped<float>{0.5f, 0.5f, 0.5f, 1}));
+    pass.setPlate(rcMake<PiImage>(W, H, CoRgbaColorTyped<float>{key.r, key.g, key.b, 1}));
     pass.renderViewer(TsViewMode::Matte, 40, small);
-    EXPECT_EQ(small.getPixel(1, 1).r, 1.0f);
+    EXPECT_EQ(small.getPixel(1, 1).r, 0.0f);
+    EXPECT_EQ(small.getPixel(23, 1).r, 0.0f);
 }
 
 TEST(KeyerPassReduce, BoxFilterAveragesWholeAndCutBlocks) {

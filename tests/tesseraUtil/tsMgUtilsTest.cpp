@@ -111,6 +111,15 @@ TEST(AnimToAlgo, IntrusionAndOpponentAtTheirLandmarks) {
         EXPECT_LT(o, previous);
         previous = o;
     }
+
+    // The reaches the keyer reads off the other bars: hue in softness units,
+    // the screen's light as a share of the key colour's brightness.
+    EXPECT_FLOAT_EQ(TsMgAnimToAlgo::hueToReach(0.5f), 0.15f);
+    EXPECT_FLOAT_EQ(TsMgAnimToAlgo::hueToReach(2.0f), TsMgAnimToAlgo::MaxHueReach);
+    EXPECT_EQ(TsMgAnimToAlgo::hueToReach(std::numeric_limits<float>::quiet_NaN()), 0.0f);
+    EXPECT_FLOAT_EQ(TsMgAnimToAlgo::shadowsToScreenReach(0.5f), 0.4f);
+    EXPECT_FLOAT_EQ(TsMgAnimToAlgo::highlightsToScreenReach(0.5f), 1.0f);
+    EXPECT_EQ(TsMgAnimToAlgo::shadowsToScreenReach(-1.0f), 0.0f);
 }
 
 // The numbers that the viewer tools derive from these, on a green screen with

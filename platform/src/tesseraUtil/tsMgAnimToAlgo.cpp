@@ -19,3 +19,16 @@ float TsMgAnimToAlgo::overallToIntrusion(float overall) {
 float TsMgAnimToAlgo::rangeEToOpponent(float rangeE) {
     return 1.0f / (MinEdgeWidth + unitClamp(rangeE));
 }
+
+float TsMgAnimToAlgo::hueToReach(float hue) {
+    const float h = unitClamp(hue);
+    return MaxHueReach * h * h;
+}
+
+float TsMgAnimToAlgo::shadowsToScreenReach(float shadows) {
+    return MaxShadowReach * unitClamp(shadows);
+}
+
+float TsMgAnimToAlgo::highlightsToScreenReach(float highlights) {
+    return MaxHighlightReach * unitClamp(highlights);
+}

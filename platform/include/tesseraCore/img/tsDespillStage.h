@@ -32,6 +32,11 @@
 // centre of the edge balance the removed chroma is simply dropped; bx = +-1
 // puts back as much as was removed along the warm (cool) axis, by = +-1 as
 // much brightness (darkness).
+//
+// In the keyer pass X is the foreground with the screen's share already
+// taken out (TsKeyerPass), and the distance D is that of the pixel as the
+// plate has it, in the key colour's light: spill is recognised where the
+// pixel is close to the screen, on the subject's soft edges and fine detail.
 class TsDespillStage {
 public:
     explicit TsDespillStage(const TsKeyerSettings& settings);
@@ -59,8 +64,8 @@ public:
         float scale;     // amount |c|
         float shift[3];  // bx h + by n - u: what one unit of m adds
 
-        void apply(float& r, float& g, float& b, float d1, float d2, float d3, float zero,
-                   float one) const {
+        [[gnu::always_inline]] void apply(float& r, float& g, float& b, float d1, float d2,
+                                          float d3, float zero, float one) const {
             // u . X written as u0 (r - g) + u2 (b - g): exactly 0 for every
             // neutral colour.
             const float sigma = (u0 * (r - g) + u2 * (b - g)) * invChroma;

@@ -8,41 +8,57 @@
 
 #include <vector>
 
-// The matte generator: the alpha of a colour, from the matte parameters, the
-// key colours, the patches and the degrain box of TsKeyerSettings. It looks at
-// one colour at a time (no neighbourhood), so the matte of a flat colour is the
-// matte of every pixel of it.
+// The matte generator: the alpha of a colour seen in the key colour's light,
+// from the matte parameters, the key colours, the patches and the degrain box
+// of TsKeyerSettings. The keyer pass first brings every pixel into that light
+// (TsScreenEstimate: a pixel of a darker part of the screen becomes the key
+// colour) and averages the screen's grain out of flat neighbourhoods
+// (TsKeyerPass); this stage is the formula for one colour, and the matte of a
+// flat patch of colour on an evenly lit screen is its matte.
 //
 // Set-up, from the settings (parameters clamped to [0, 1]):
 //   K  = keyColors[0] (1 - p8) + keyColors[1] p8        the blended key colour
 //   i  = TsMgAnimToAlgo::overallToIntrusion(p0)         0.6 p0^2
-//   o  = TsMgAnimToAlgo::rangeEToOpponent(p7)           1 / (0.1 + p7)
+//   w  = 1 / TsMgAnimToAlgo::rangeEToOpponent(p7)       0.1 + p7
+//   c  = CoreShare i                                    the transparent core
 //   S  = TsMgUtils::getSoftnessMatrix(K, i)
-//   reaches, in softness units: shadows p1, highlights p2, deep hue plus p3,
+//   hue reaches (TsMgAnimToAlgo::hueToReach, 0.6 p^2): deep hue plus p3,
 //   deep hue minus p4, hue plus p5, hue minus p6.
+// Shadows p1 and Highlights p2 say how much darker and brighter than K the
+// screen may be lit (TsScreenEstimate).
 //
 // Per colour X = (r, g, b):
-//   (d1, d2, d3) = S X                  d1 already lowered by i
+//   (d1, d2) = rows 1 and 2 of S X      d1 already lowered by i
 //   deep = d1 < -i                      X is deeper than the key colour
 //   hue reaches   R+ = deep ? p3 : p5,  R- = deep ? p4 : p6
-//   e2 = max(0, d2 - R+, -d2 - R-)      how far X lies beyond the hue reach
-//   e3 = max(0, d3 - p2, -d3 - p1)      ... beyond the brightness reach
-//   alpha = clamp(o * max(d1, e2, e3), 0, 1)
+//   e2 = max(d2 - R+, -d2 - R-)         how far X lies beyond the hue reach
+//   alpha = clamp((max(d1 + i, e2 + c) - c) / (i + w - c), 0, 1)
 //
-// So the transparent core is the box d1 <= 0, -R- <= d2 <= R+,
-// -p1 <= d3 <= p2 of softness space, and the matte rises linearly with slope o
-// (over a width 1 / o) beyond each of its faces. With default parameters on
-// a green key (0.1, 0.5, 0.1): the key colour and every colour within 0.15 of
-// it along axis 1 are 0, any grey is clamp(5/3 * 0.85) = 1, and the screen
-// mixed half and half with a grey of its brightness is
-// 5/3 * (0.5 - 0.15) = 0.583.
+// Along axis 1 that is the screen's share of the colour: a mix of the key
+// colour with a neutral subject colour lies on axis 1 at the subject's share
+// (TsMgUtils), so the matte is 0 up to the core c, which grain and a screen
+// that is not quite the key colour need, and rises in a straight line to 1 at
+// i + w, where a subject's colour with the screen's light spilled on it lies.
+// Across it, a hue beyond the reach makes the colour opaque at the same rate:
+// a subject near the screen's hue (a yellow-green stem) is not keyed.
+// Brightness alone never makes a colour opaque: a light semi-transparent veil
+// and a dark strand of hair are mixes of the screen like any other, and their
+// share of the screen is on axis 1.
+//
+// With default parameters on a green key (0.1, 0.5, 0.1): i = 0.15, c =
+// 0.0375, the ramp ends at 0.75; the key colour is 0, every grey 1, and the
+// screen mixed half and half with a grey is (0.5 - 0.0375) / 0.7125 = 0.649.
 //
 // Then, when degrainOn and the degrain box B is not the identity: a colour
-// with TsUtils::boxDistance(B, X) <= 1 (inside the box) gets alpha 0.
+// with TsUtils::boxDistance(B, X) <= 1 (inside the box) gets alpha 0. The keyer
+// pass tests the box with the colour as it is and in the key colour's light,
+// so that the box sampled on one part of the screen holds the grain of all of
+// it.
 //
 // Then each patch in order whose box P is not the identity and whose mode is
-// 1, 2 or 3, with q = TsUtils::boxDistance(P, X), the reach 1 + range and the
-// transition width softness (both in the box's cube units):
+// 1, 2 or 3, with q = TsUtils::boxDistance(P, X) (X as it is in the plate), the
+// reach 1 + range and the transition width softness (both in the box's cube
+// units):
 //   w = 1                                      when q <= 1 + range
 //   w = clamp(1 - (q - 1 - range) / softness)  beyond (0 when softness is 0)
 //   mode 1 (edge):       alpha += w * (0.5 - alpha) / 2   half way to 0.5
@@ -50,6 +66,10 @@
 //   mode 3 (background): alpha -= w * alpha               forced transparent
 // Patches come last so that the artist's explicit choices win over the
 // degrain box; a later patch wins over an earlier one where they overlap.
+//
+// Every matte parameter raised keys more (the matte at any colour falls or
+// stays), lowered keys less: the bars of the sample-matte tool move the matte
+// the way their sides say.
 //
 // A NaN component gives alpha 0 (every comparison with it fails).
 class TsMatteStage {
@@ -65,11 +85,13 @@ public:
     static constexpr int BlockSize = 64;
     void computeAlpha(const float* r, const float* g, const float* b, float* alpha, int n) const;
 
-    // The blended key colour, intrusion, opponent and softness matrix in use.
+    // The blended key colour, intrusion, softness matrix in use.
     const CoRgbColorTyped<float>& getKeyColour() const { return _key; }
     float getIntrusion() const { return _intrusion; }
-    float getOpponent() const { return _opponent; }
     const CoAffineMatrixTyped<float>& getSoftnessMatrix() const { return _softness; }
+
+    // The share of the intrusion that is the transparent core.
+    static constexpr float CoreShare = 0.25f;
 
     // The matte before the degrain box and the patches: the first part of the
     // formula above, for one colour, with the colour's softness coordinates
@@ -78,34 +100,49 @@ public:
     struct Base {
         float s[12]; // rows 0, 1, 2 of the softness matrix: s[4 row + column]
         float deepLimit;
-        float opponent;
-        float shadows, highlights, deepPlus, deepMinus, huePlus, hueMinus;
+        float lift;  // i - c
+        float slope; // 1 / (i + w - c)
+        float deepPlus, deepMinus, huePlus, hueMinus;
 
-        float alpha(float r, float g, float b, float& d1, float& d2, float& d3, float zero,
-                    float one) const {
-            using TsPixelMath::maxOf;
+        // The softness coordinates of a colour (d1 lowered by the intrusion).
+        [[gnu::always_inline]] void coords(float r, float g, float b, float& d1, float& d2,
+                                           float& d3) const {
             d1 = s[0] * r + s[1] * g + s[2] * b + s[3];
             d2 = s[4] * r + s[5] * g + s[6] * b + s[7];
             d3 = s[8] * r + s[9] * g + s[10] * b + s[11];
+        }
+        // The alpha of the coordinates d1 and d2.
+        [[gnu::always_inline]] float alphaAt(float d1, float d2, float zero, float one) const {
+            using TsPixelMath::maxOf;
             const bool deep = d1 < deepLimit;
             const float reachPlus = deep ? deepPlus : huePlus;
             const float reachMinus = deep ? deepMinus : hueMinus;
             const float e2 = maxOf(d2 - reachPlus, -d2 - reachMinus);
-            const float e3 = maxOf(d3 - highlights, -d3 - shadows);
-            return TsPixelMath::clampUnit(opponent * maxOf(d1, maxOf(e2, e3)), zero, one);
+            return TsPixelMath::clampUnit(slope * maxOf(d1 + lift, e2), zero, one);
+        }
+        [[gnu::always_inline]] float alpha(float r, float g, float b, float& d1, float& d2,
+                                           float& d3, float zero, float one) const {
+            coords(r, g, b, d1, d2, d3);
+            return alphaAt(d1, d2, zero, one);
         }
     };
     const Base& getBase() const { return _base; }
     // True when the degrain box or a patch takes part (the alpha is then more
     // than the base).
     bool hasBoxRules() const { return _degrain || !_patches.empty(); }
+    // True when a patch takes part (it reads the colours as they are).
+    bool hasPatches() const { return !_patches.empty(); }
     // The second part of the formula: the degrain box and the patches, in
-    // place on the base alphas of n colours.
-    void applyBoxRules(const float* r, const float* g, const float* b, float* alpha, int n) const;
+    // place on the base alphas of n colours. The degrain box is tested on the
+    // colours as they are (r, g, b) and brought to the key colour's light (cr,
+    // cg, cb; see TsScreenEstimate), the patches on the colours as they are.
+    void applyBoxRules(const float* cr, const float* cg, const float* cb, const float* r,
+                       const float* g, const float* b, float* alpha, int n) const;
 
 private:
     void computeBlock(const float* r, const float* g, const float* b, float* alpha) const;
-    void applyBoxRulesBlock(const float* r, const float* g, const float* b, float* alpha) const;
+    void applyBoxRulesBlock(const float* cr, const float* cg, const float* cb, const float* r,
+                            const float* g, const float* b, float* alpha) const;
 
     struct BoxRule {
         CoAffineMatrixTyped<float> box;
@@ -116,7 +153,6 @@ private:
 
     CoRgbColorTyped<float> _key;
     float _intrusion;
-    float _opponent;
     CoAffineMatrixTyped<float> _softness;
     Base _base;
     bool _degrain = false;

@@ -3,6 +3,7 @@
 #include <tesseraCore/img/tsBlendStage.h>
 #include <tesseraCore/img/tsDespillStage.h>
 #include <tesseraCore/img/tsMatteStage.h>
+#include <tesseraCore/img/tsScreenEstimate.h>
 
 #include "tsPixelKernel.h"
 
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #if defined(__SSE2__)
 #include <immintrin.h>
@@ -20,7 +22,8 @@
 namespace {
 
 constexpr int Block = TsMatteStage::BlockSize;
-static_assert(Block == TsDespillStage::BlockSize && Block == TsBlendStage::BlockSize);
+static_assert(Block == TsDespillStage::BlockSize && Block == TsBlendStage::BlockSize &&
+              Block == TsScreenEstimate::RowBlock);
 
 // One block of pixels split into planes.
 struct Planes {
@@ -200,29 +203,7 @@ inline void storeGrey(const float* __restrict v, float* __restrict dst, int n) {
     std::fill(p.a, p.a + Block, 0.0f);
 }
 
-// The base matte of a block into out.a and, for the colour views, its
-// foreground colour (despilled with Despill) into out.r, g, b, in a single
-// loop: the despill reuses the softness coordinates that the matte computed.
-// The degrain box and the patches are applied afterwards, to out.a, from the
-// block's own colours.
-template <bool Colour, bool Despill>
-[[gnu::always_inline]] inline void
-keyBlock(const Planes& in, Planes& out, const TsMatteStage::Base& base,
-         const TsDespillStage::Core& core, float zero, float one) {
-    for (int k = 0; k < Block; ++k) {
-        float d1, d2, d3;
-        out.a[k] = base.alpha(in.r[k], in.g[k], in.b[k], d1, d2, d3, zero, one);
-        if constexpr (Colour) {
-            float r = in.r[k], g = in.g[k], b = in.b[k];
-            if constexpr (Despill) {
-                core.apply(r, g, b, d1, d2, d3, zero, one);
-            }
-            out.r[k] = r;
-            out.g[k] = g;
-            out.b[k] = b;
-        }
-    }
-}
+constexpr int RowsPerTask = 64;
 
 // Everything one render needs, shared by the threads.
 struct RowJob {
@@ -230,48 +211,275 @@ struct RowJob {
     const PiImage* background;
     PiImage& out;
     TsMatteStage matte;
+    const TsScreenEstimate& screen;
     TsDespillStage despill;
     TsBlendStage blend;
     TsViewMode mode;
     int checkerScale;
 };
 
-// Rows j0 .. j1 - 1 of one view, in blocks of pixels split into planes.
+// The loops of one block, each over __restrict parameters: the compiler
+// vectorises a loop only when it can tell its planes apart.
+
+// 0, 1, ... Block - 1: the steps along a block.
+struct Steps {
+    alignas(64) float v[Block];
+    constexpr Steps()
+        : v{} {
+        for (int k = 0; k < Block; ++k) {
+            v[k] = static_cast<float>(k);
+        }
+    }
+};
+constexpr Steps steps;
+using Line = TsScreenEstimate::Line;
+
+// The colours in the key colour's light (the screen's gains along the block's
+// line), into cr, cg, cb.
+[[gnu::always_inline]] inline void lightBlock(const Line& line, const float* __restrict r,
+                                              const float* __restrict g, const float* __restrict b,
+                                              float* __restrict cr, float* __restrict cg,
+                                              float* __restrict cb) {
+    const float r0 = line.start[0], rs = line.step[0];
+    const float g0 = line.start[1], gs = line.step[1];
+    const float b0 = line.start[2], bs = line.step[2];
+    for (int k = 0; k < Block; ++k) {
+        cr[k] = r[k] * (r0 + rs * steps.v[k]);
+        cg[k] = g[k] * (g0 + gs * steps.v[k]);
+        cb[k] = b[k] * (b0 + bs * steps.v[k]);
+    }
+}
+
+// The softness coordinates of the colours in the key colour's light.
+[[gnu::always_inline]] inline void coordsBlock(const TsMatteStage::Base& base, const Line& line,
+                                               const float* __restrict r, const float* __restrict g,
+                                               const float* __restrict b, float* __restrict d1,
+                                               float* __restrict d2, float* __restrict d3) {
+    const float r0 = line.start[0], rs = line.step[0];
+    const float g0 = line.start[1], gs = line.step[1];
+    const float b0 = line.start[2], bs = line.step[2];
+    for (int k = 0; k < Block; ++k) {
+        base.coords(r[k] * (r0 + rs * steps.v[k]), g[k] * (g0 + gs * steps.v[k]),
+                    b[k] * (b0 + bs * steps.v[k]), d1[k], d2[k], d3[k]);
+    }
+}
+
+// The sum, least and greatest d1 of each pixel with its left and right
+// neighbours (d1[-1] and d1[Block] are read).
+[[gnu::always_inline]] inline void rowNeighbours(const float* __restrict d1, float* __restrict sum,
+                                                 float* __restrict lo, float* __restrict hi) {
+    for (int k = 0; k < Block; ++k) {
+        const float l = d1[k - 1], c = d1[k], r = d1[k + 1];
+        sum[k] = l + c + r;
+        lo[k] = minOf(minOf(l, c), r);
+        hi[k] = maxOf(maxOf(l, c), r);
+    }
+}
+
+// d1 with the screen's grain taken out (see TsKeyerPass), less the clean
+// screen's widening of the core, from the rows below, here and above.
+[[gnu::always_inline]] inline void
+degrainBlock(const float* __restrict d1, const float* __restrict s0, const float* __restrict s1,
+             const float* __restrict s2, const float* __restrict l0, const float* __restrict l1,
+             const float* __restrict l2, const float* __restrict h0, const float* __restrict h1,
+             const float* __restrict h2, float reach, float widen, float* __restrict out) {
+    for (int k = 0; k < Block; ++k) {
+        const float own = d1[k];
+        const float total = s0[k] + s1[k] + s2[k];
+        const float high = maxOf(h0[k], h2[k]), low = minOf(l0[k], l2[k]);
+        const float left = d1[k - 1], right = d1[k + 1];
+        const float spread = maxOf(high, h1[k]) - minOf(low, l1[k]);
+        const float aroundSpread = maxOf(high, maxOf(left, right)) - minOf(low, minOf(left, right));
+        const float value = spread <= reach         ? total * (1.0f / 9.0f)
+                            : aroundSpread <= reach ? (total - own) * 0.125f
+                                                    : own;
+        out[k] = value - widen;
+    }
+}
+
+[[gnu::always_inline]] inline void alphaBlock(const TsMatteStage::Base& base,
+                                              const float* __restrict d1,
+                                              const float* __restrict d2, float* __restrict alpha,
+                                              float zero, float one) {
+    for (int k = 0; k < Block; ++k) {
+        alpha[k] = base.alphaAt(d1[k], d2[k], zero, one);
+    }
+}
+
+// The foreground: the screen's share taken out (the screen S = K / gain along
+// the block's line), then, with Despill, the spill.
+template <bool Despill>
+[[gnu::always_inline]] inline void
+foregroundBlock(const TsDespillStage::Core& core, const CoRgbColorTyped<float>& key,
+                const Line& line, const float* __restrict r, const float* __restrict g,
+                const float* __restrict b, const float* __restrict alpha,
+                const float* __restrict d1, const float* __restrict d2, const float* __restrict d3,
+                float* __restrict fr, float* __restrict fg, float* __restrict fb, float zero,
+                float one) {
+    const float r0 = line.start[0], rs = line.step[0];
+    const float g0 = line.start[1], gs = line.step[1];
+    const float b0 = line.start[2], bs = line.step[2];
+    for (int k = 0; k < Block; ++k) {
+        const float a = alpha[k];
+        const float rest = one - a;
+        const float inverse = a > TsKeyerPass::MinUnmixAlpha ? one / a : zero;
+        float x = maxOf((r[k] - rest * key.r / (r0 + rs * steps.v[k])) * inverse, zero);
+        float y = maxOf((g[k] - rest * key.g / (g0 + gs * steps.v[k])) * inverse, zero);
+        float z = maxOf((b[k] - rest * key.b / (b0 + bs * steps.v[k])) * inverse, zero);
+        if constexpr (Despill) {
+            core.apply(x, y, z, d1[k], d2[k], d3[k], zero, one);
+        }
+        fr[k] = x;
+        fg[k] = y;
+        fb[k] = z;
+    }
+}
+
+// One row prepared for the rows around it: per block the screen estimate's
+// line, how far the grain reaches there (FlatSpread times it) and how much the
+// clean screen widens the core; per pixel the softness coordinates of the
+// colour in the key colour's light (d1 with a block of margin either side,
+// the end pixels repeated) and the sum, least and greatest d1 of each pixel
+// with its left and right neighbours. Planes are padded to whole blocks.
+struct PreparedRow {
+    int row = -1;
+    Line* lines;
+    float* reach;
+    float* widen;
+    float* d1;
+    float* d2;
+    float* d3;
+    float* sum;
+    float* lo;
+    float* hi;
+
+    // The planes laid out in `storage`, size(padded) floats.
+    PreparedRow(float* storage, int padded) {
+        const int blocks = padded / Block;
+        lines = reinterpret_cast<Line*>(storage);
+        float* p = storage + blocks * LineFloats;
+        reach = p;
+        widen = reach + blocks;
+        d1 = widen + blocks + Block;
+        d2 = d1 + padded + Block;
+        d3 = d2 + padded;
+        sum = d3 + padded;
+        lo = sum + padded;
+        hi = lo + padded;
+    }
+    static constexpr int LineFloats = sizeof(Line) / sizeof(float);
+    static std::size_t size(int padded) {
+        const std::size_t blocks = static_cast<std::size_t>(padded / Block);
+        return blocks * (LineFloats + 2) + 6 * static_cast<std::size_t>(padded) + 2 * Block;
+    }
+};
+static_assert(sizeof(TsScreenEstimate::Line) % sizeof(float) == 0 &&
+              alignof(TsScreenEstimate::Line) <= alignof(float));
+
+TS_PIXEL_KERNEL
+void prepareRow(const RowJob& job, const TsMatteStage::Base& base, int y, PreparedRow& row) {
+    const int width = job.plate.getWidth();
+    row.row = y;
+    job.screen.rowLines(y, row.lines);
+    const float zero = tsPixelZero, one = tsPixelOne;
+    const float* src = job.plate.row(y);
+    Planes p;
+    for (int x0 = 0, block = 0; x0 < width; x0 += Block, ++block) {
+        if (x0 + (8 + 1) * Block <= width) {
+            for (int line = 0; line < 4 * Block; line += 16) {
+                __builtin_prefetch(src + 4 * (x0 + 8 * Block) + line);
+            }
+        }
+        load(src + 4 * x0, p, std::min(Block, width - x0));
+        const Line& line = row.lines[block];
+        coordsBlock(base, line, p.r, p.g, p.b, row.d1 + x0, row.d2 + x0, row.d3 + x0);
+        // The grain and the share at the block's middle.
+        using V = TsScreenEstimate::Value;
+        const float middle = 0.5f * static_cast<float>(Block);
+        const float grain = line.start[V::Grain] + line.step[V::Grain] * middle;
+        const float share = line.start[V::Share] + line.step[V::Share] * middle;
+        const float clean = clampUnit(
+            (share - TsKeyerPass::CleanShare) / (1.0f - TsKeyerPass::CleanShare), zero, one);
+        row.reach[block] = TsKeyerPass::FlatSpread * grain;
+        row.widen[block] = clean * grain;
+    }
+    row.d1[-1] = row.d1[0];
+    row.d1[width] = row.d1[width - 1];
+    for (int x0 = 0; x0 < width; x0 += Block) {
+        rowNeighbours(row.d1 + x0, row.sum + x0, row.lo + x0, row.hi + x0);
+    }
+}
+
+// Rows j0 .. j1 - 1 of one view, in blocks of pixels split into planes. Each
+// thread keeps the rows around the one it keys in a ring of three.
 TS_PIXEL_KERNEL
 void keyRows(const RowJob& job, int j0, int j1) {
     Planes plate;
     Planes fg;
     Planes bg;
+    Planes light;
+    alignas(64) float flat[Block];
     alignas(64) float status[Block];
     const int width = job.plate.getWidth();
+    const int height = job.plate.getHeight();
     const bool despilling = !job.despill.isIdentity();
     const bool colour = job.mode == TsViewMode::Foreground || job.mode == TsViewMode::Composite;
     const bool boxRules = job.matte.hasBoxRules();
-    const TsMatteStage::Base base = job.matte.getBase();
-    const TsDespillStage::Core core = job.despill.getCore();
+    // The colours as they are: for the foreground and the degrain box and
+    // patches.
+    const bool rawColours = colour || boxRules;
+    const TsMatteStage::Base& base = job.matte.getBase();
+    const TsDespillStage::Core& core = job.despill.getCore();
+    const CoRgbColorTyped<float>& key = job.matte.getKeyColour();
     const float zero = tsPixelZero, one = tsPixelOne;
+    const int padded = (width + Block - 1) / Block * Block;
+    // The ring's storage is the thread's, kept from one render to the next
+    // (a fresh allocation of this size is fresh pages from the system).
+    thread_local std::vector<float> storage;
+    const std::size_t rowSize = PreparedRow::size(padded);
+    if (storage.size() < 3 * rowSize) {
+        storage.assign(3 * rowSize, 0.0f);
+    }
+    PreparedRow ring[3] = {PreparedRow(storage.data(), padded),
+                           PreparedRow(storage.data() + rowSize, padded),
+                           PreparedRow(storage.data() + 2 * rowSize, padded)};
+    auto prepared = [&](int y) -> const PreparedRow& {
+        y = std::clamp(y, 0, height - 1);
+        PreparedRow& r = ring[y % 3];
+        if (r.row != y) {
+            prepareRow(job, base, y, r);
+        }
+        return r;
+    };
     for (int j = j0; j != j1; ++j) {
+        const PreparedRow& below = prepared(j - 1);
+        const PreparedRow& above = prepared(j + 1);
+        const PreparedRow& here = prepared(j);
         const float* src = job.plate.row(j);
         float* dst = job.out.row(j);
-        for (int x0 = 0; x0 < width; x0 += Block) {
+        for (int x0 = 0, block = 0; x0 < width; x0 += Block, ++block) {
             const int n = std::min(Block, width - x0);
-            // The block after next is fetched into the cache while this one is
-            // keyed, so that the loads below rarely wait for memory.
-            if (x0 + 3 * Block <= width) {
-                for (int line = 0; line < 4 * Block; line += 16) {
-                    __builtin_prefetch(src + 4 * (x0 + 2 * Block) + line);
-                }
+            const Line& line = here.lines[block];
+            if (rawColours) {
+                load(src + 4 * x0, plate, n);
             }
-            load(src + 4 * x0, plate, n);
-            if (!colour) {
-                keyBlock<false, false>(plate, fg, base, core, zero, one);
-            } else if (despilling) {
-                keyBlock<true, true>(plate, fg, base, core, zero, one);
-            } else {
-                keyBlock<true, false>(plate, fg, base, core, zero, one);
-            }
+            degrainBlock(here.d1 + x0, below.sum + x0, here.sum + x0, above.sum + x0, below.lo + x0,
+                         here.lo + x0, above.lo + x0, below.hi + x0, here.hi + x0, above.hi + x0,
+                         here.reach[block], here.widen[block], flat);
+            alphaBlock(base, flat, here.d2 + x0, fg.a, zero, one);
             if (boxRules) {
-                job.matte.applyBoxRules(plate.r, plate.g, plate.b, fg.a, Block);
+                lightBlock(line, plate.r, plate.g, plate.b, light.r, light.g, light.b);
+                job.matte.applyBoxRules(light.r, light.g, light.b, plate.r, plate.g, plate.b, fg.a,
+                                        Block);
+            }
+            if (colour && despilling) {
+                foregroundBlock<true>(core, key, line, plate.r, plate.g, plate.b, fg.a,
+                                      here.d1 + x0, here.d2 + x0, here.d3 + x0, fg.r, fg.g, fg.b,
+                                      zero, one);
+            } else if (colour) {
+                foregroundBlock<false>(core, key, line, plate.r, plate.g, plate.b, fg.a,
+                                       here.d1 + x0, here.d2 + x0, here.d3 + x0, fg.r, fg.g, fg.b,
+                                       zero, one);
             }
             switch (job.mode) {
             case TsViewMode::Matte:
@@ -327,7 +535,20 @@ void TsKeyerPass::render(TsViewMode mode, PiImage& out) const {
         out = PiImage();
         return;
     }
-    run(*_plate, _background.get(), _settings, mode, out, 1);
+    run(*_plate, _background.get(), _settings, *estimate(_plate, 0), mode, out, 1);
+}
+
+std::shared_ptr<const TsScreenEstimate> TsKeyerPass::estimate(const PiImagePtr& plate,
+                                                              int slot) const {
+    std::lock_guard<std::mutex> lock(_estimateMutex);
+    KeptEstimate& kept = _estimates[slot];
+    if (!kept.estimate || kept.plate.get() != plate.get() ||
+        !TsScreenEstimate::sameInputs(kept.settings, _settings)) {
+        kept.estimate = std::make_shared<const TsScreenEstimate>(*plate, _settings);
+        kept.plate = plate;
+        kept.settings = _settings;
+    }
+    return kept.estimate;
 }
 
 PiImagePtr TsKeyerPass::render(TsViewMode mode) const {
@@ -353,7 +574,7 @@ void TsKeyerPass::renderViewer(TsViewMode mode, int maxWidth, PiImage& out) {
     }
     const int factor = getViewerFactor(maxWidth);
     if (factor == 1) {
-        run(*_plate, _background.get(), _settings, mode, out, 1);
+        run(*_plate, _background.get(), _settings, *estimate(_plate, 0), mode, out, 1);
         return;
     }
     PiImagePtr plate, background;
@@ -367,12 +588,20 @@ void TsKeyerPass::renderViewer(TsViewMode mode, int maxWidth, PiImage& out) {
         plate = _plateProxy;
         background = _backgroundProxy;
     }
-    run(*plate, background.get(), _settings, mode, out, factor);
+    run(*plate, background.get(), _settings, *estimate(plate, 1), mode, out, factor);
 }
 
 void TsKeyerPass::run(const PiImage& plate, const PiImage* background,
                       const TsKeyerSettings& settings, TsViewMode mode, PiImage& out,
                       int checkerScale) {
+    const TsScreenEstimate screen =
+        mode == TsViewMode::Source ? TsScreenEstimate() : TsScreenEstimate(plate, settings);
+    run(plate, background, settings, screen, mode, out, checkerScale);
+}
+
+void TsKeyerPass::run(const PiImage& plate, const PiImage* background,
+                      const TsKeyerSettings& settings, const TsScreenEstimate& screen,
+                      TsViewMode mode, PiImage& out, int checkerScale) {
     const int width = plate.getWidth();
     const int height = plate.getHeight();
     if (out.getWidth() != width || out.getHeight() != height) {
@@ -396,13 +625,16 @@ void TsKeyerPass::run(const PiImage& plate, const PiImage* background,
                      background,
                      out,
                      TsMatteStage(settings),
+                     screen,
                      TsDespillStage(settings),
                      TsBlendStage(settings),
                      mode,
                      checkerScale};
-    tbb::parallel_for(tbb::blocked_range<int>(0, height), [&](const tbb::blocked_range<int>& rows) {
-        keyRows(job, rows.begin(), rows.end());
-    });
+    // Each range of rows prepares the row either side of it again: ranges of
+    // at least RowsPerTask keep that below a few per cent.
+    tbb::parallel_for(
+        tbb::blocked_range<int>(0, height, RowsPerTask),
+        [&](const tbb::blocked_range<int>& rows) { keyRows(job, rows.begin(), rows.end()); });
 }
 
 PiImagePtr TsKeyerPass::reduce(const PiImage& image, int factor) {

@@ -28,7 +28,7 @@ TsMatteStage::TsMatteStage(const TsKeyerSettings& settings) {
     _key = {k0.r * (1.0f - blend) + k1.r * blend, k0.g * (1.0f - blend) + k1.g * blend,
             k0.b * (1.0f - blend) + k1.b * blend};
     _intrusion = TsMgAnimToAlgo::overallToIntrusion(static_cast<float>(p[0]));
-    _opponent = TsMgAnimToAlgo::rangeEToOpponent(static_cast<float>(p[7]));
+    const float width = 1.0f / TsMgAnimToAlgo::rangeEToOpponent(static_cast<float>(p[7]));
     _softness = TsMgUtils::getSoftnessMatrix(_key, _intrusion);
     for (int row = 0; row < 3; ++row) {
         for (int column = 0; column < 4; ++column) {
@@ -36,13 +36,12 @@ TsMatteStage::TsMatteStage(const TsKeyerSettings& settings) {
         }
     }
     _base.deepLimit = -_intrusion;
-    _base.opponent = _opponent;
-    _base.shadows = unit(p[1]);
-    _base.highlights = unit(p[2]);
-    _base.deepPlus = unit(p[3]);
-    _base.deepMinus = unit(p[4]);
-    _base.huePlus = unit(p[5]);
-    _base.hueMinus = unit(p[6]);
+    _base.lift = (1.0f - CoreShare) * _intrusion;
+    _base.slope = 1.0f / (width + _base.lift);
+    _base.deepPlus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[3]));
+    _base.deepMinus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[4]));
+    _base.huePlus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[5]));
+    _base.hueMinus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[6]));
 
     _degrain = settings.degrainOn && settings.degrainBox != CoAffineMatrixTyped<float>::IDENTITY;
     _degrainBox = settings.degrainBox;
@@ -94,32 +93,35 @@ void TsMatteStage::computeBlock(const float* __restrict r, const float* __restri
         alpha[k] = base.alpha(r[k], g[k], b[k], d1, d2, d3, zero, one);
     }
     if (hasBoxRules()) {
-        applyBoxRulesBlock(r, g, b, alpha);
+        applyBoxRulesBlock(r, g, b, r, g, b, alpha);
     }
 }
 
-void TsMatteStage::applyBoxRules(const float* r, const float* g, const float* b, float* alpha,
-                                 int n) const {
+void TsMatteStage::applyBoxRules(const float* cr, const float* cg, const float* cb, const float* r,
+                                 const float* g, const float* b, float* alpha, int n) const {
     for (int base = 0; base < n; base += BlockSize) {
         const int count = std::min(BlockSize, n - base);
         if (count == BlockSize) {
-            applyBoxRulesBlock(r + base, g + base, b + base, alpha + base);
+            applyBoxRulesBlock(cr + base, cg + base, cb + base, r + base, g + base, b + base,
+                               alpha + base);
             continue;
         }
-        alignas(64) float pr[BlockSize] = {}, pg[BlockSize] = {}, pb[BlockSize] = {};
-        alignas(64) float pa[BlockSize] = {};
-        std::copy(r + base, r + base + count, pr);
-        std::copy(g + base, g + base + count, pg);
-        std::copy(b + base, b + base + count, pb);
-        std::copy(alpha + base, alpha + base + count, pa);
-        applyBoxRulesBlock(pr, pg, pb, pa);
-        std::copy(pa, pa + count, alpha + base);
+        alignas(64) float p[7][BlockSize] = {};
+        const float* in[6] = {cr, cg, cb, r, g, b};
+        for (int c = 0; c < 6; ++c) {
+            std::copy(in[c] + base, in[c] + base + count, p[c]);
+        }
+        std::copy(alpha + base, alpha + base + count, p[6]);
+        applyBoxRulesBlock(p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
+        std::copy(p[6], p[6] + count, alpha + base);
     }
 }
 
 TS_PIXEL_KERNEL
-void TsMatteStage::applyBoxRulesBlock(const float* __restrict r, const float* __restrict g,
-                                      const float* __restrict b, float* __restrict alpha) const {
+void TsMatteStage::applyBoxRulesBlock(const float* __restrict cr, const float* __restrict cg,
+                                      const float* __restrict cb, const float* __restrict r,
+                                      const float* __restrict g, const float* __restrict b,
+                                      float* __restrict alpha) const {
     const float zero = tsPixelZero, one = tsPixelOne;
     if (_degrain) {
         const auto& m = _degrainBox;
@@ -127,12 +129,16 @@ void TsMatteStage::applyBoxRulesBlock(const float* __restrict r, const float* __
         const float m1 = m[1], m5 = m[5], m9 = m[9], m13 = m[13];
         const float m2 = m[2], m6 = m[6], m10 = m[10], m14 = m[14];
         for (int k = 0; k < BlockSize; ++k) {
-            const float q0 = m0 * r[k] + m4 * g[k] + m8 * b[k] + m12;
-            const float q1 = m1 * r[k] + m5 * g[k] + m9 * b[k] + m13;
-            const float q2 = m2 * r[k] + m6 * g[k] + m10 * b[k] + m14;
+            const float q0 = m0 * cr[k] + m4 * cg[k] + m8 * cb[k] + m12;
+            const float q1 = m1 * cr[k] + m5 * cg[k] + m9 * cb[k] + m13;
+            const float q2 = m2 * cr[k] + m6 * cg[k] + m10 * cb[k] + m14;
             const float q = maxOf(std::fabs(q0), maxOf(std::fabs(q1), std::fabs(q2)));
+            const float p0 = m0 * r[k] + m4 * g[k] + m8 * b[k] + m12;
+            const float p1 = m1 * r[k] + m5 * g[k] + m9 * b[k] + m13;
+            const float p2 = m2 * r[k] + m6 * g[k] + m10 * b[k] + m14;
+            const float p = maxOf(std::fabs(p0), maxOf(std::fabs(p1), std::fabs(p2)));
             const float a = alpha[k];
-            alpha[k] = q <= 1.0f ? 0.0f : a;
+            alpha[k] = minOf(p, q) <= 1.0f ? 0.0f : a;
         }
     }
 
