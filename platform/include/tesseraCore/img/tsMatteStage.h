@@ -25,14 +25,23 @@
 //   hue reaches (TsMgAnimToAlgo::hueToReach, 0.6 p^2): deep hue plus p3,
 //   deep hue minus p4, hue plus p5, hue minus p6.
 // Shadows p1 and Highlights p2 say how much darker and brighter than K the
-// screen may be lit (TsScreenEstimate).
+// screen may be lit: the screen estimate keeps the screen within that light
+// (TsScreenEstimate) and the matte makes colours beyond it opaque.
 //
 // Per colour X = (r, g, b):
 //   (d1, d2) = rows 1 and 2 of S X      d1 already lowered by i
 //   deep = d1 < -i                      X is deeper than the key colour
 //   hue reaches   R+ = deep ? p3 : p5,  R- = deep ? p4 : p6
 //   e2 = max(d2 - R+, -d2 - R-)         how far X lies beyond the hue reach
-//   alpha = clamp((max(d1 + i, e2 + c) - c) / (i + w - c), 0, 1)
+//   b  = 1 + d3 / beta                  X's brightness as a share of K's
+//                                       (beta = |K's grey| / |c|, TsMgUtils)
+//   e3 = max((b - (1 + hr)) / 2 hr, ((1 - sr) - b) / 2 sr)   beyond the
+//                                       screen's light, twice as far again to
+//                                       opaque (widths below MinReach count as
+//                                       MinReach)
+//   alpha = clamp(max((max(d1 + i, e2 + c) - c) / (i + w - c), e3), 0, 1)
+// with sr and hr the reaches of Shadows and Highlights
+// (TsMgAnimToAlgo::shadowsToScreenReach, highlightsToScreenReach).
 //
 // Along axis 1 that is the screen's share of the colour: a mix of the key
 // colour with a neutral subject colour lies on axis 1 at the subject's share
@@ -41,8 +50,13 @@
 // i + w, where a subject's colour with the screen's light spilled on it lies.
 // Across it, a hue beyond the reach makes the colour opaque at the same rate:
 // a subject near the screen's hue (a yellow-green stem) is not keyed.
-// Brightness alone never makes a colour opaque: a light semi-transparent veil
-// and a dark strand of hair are mixes of the screen like any other, and their
+// Brightness makes a colour opaque only beyond the screen's light: a colour
+// brighter or darker than the screen can be lit is subject, rising to opaque
+// twice as far beyond again (at the default reaches from twice the key
+// colour's brightness to four times it, and from 60 % of it down, three
+// quarters opaque at black; with a reach of 0, whatever is brighter or darker
+// than the key colour); short of that a light semi-transparent veil and a
+// dark strand of hair are mixes with the screen like any other, and their
 // share of the screen is on axis 1.
 //
 // With default parameters on a green key (0.1, 0.5, 0.1): i = 0.15, c =
@@ -92,6 +106,8 @@ public:
 
     // The share of the intrusion that is the transparent core.
     static constexpr float CoreShare = 0.25f;
+    // The least width of the brightness ramps.
+    static constexpr float MinReach = 0.01f;
 
     // The matte before the degrain box and the patches: the first part of the
     // formula above, for one colour, with the colour's softness coordinates
@@ -103,6 +119,9 @@ public:
         float lift;  // i - c
         float slope; // 1 / (i + w - c)
         float deepPlus, deepMinus, huePlus, hueMinus;
+        // The brightness term (see above): invBeta = 1 / beta, upper = 1 + hr,
+        // lower = 1 - sr, and the inverse widths of the two ramps.
+        float invBeta, upper, lower, invUpperWidth, invLowerWidth;
 
         // The softness coordinates of a colour (d1 lowered by the intrusion).
         [[gnu::always_inline]] void coords(float r, float g, float b, float& d1, float& d2,
@@ -111,19 +130,23 @@ public:
             d2 = s[4] * r + s[5] * g + s[6] * b + s[7];
             d3 = s[8] * r + s[9] * g + s[10] * b + s[11];
         }
-        // The alpha of the coordinates d1 and d2.
-        [[gnu::always_inline]] float alphaAt(float d1, float d2, float zero, float one) const {
+        // The alpha of the coordinates.
+        [[gnu::always_inline]] float alphaAt(float d1, float d2, float d3, float zero,
+                                             float one) const {
             using TsPixelMath::maxOf;
             const bool deep = d1 < deepLimit;
             const float reachPlus = deep ? deepPlus : huePlus;
             const float reachMinus = deep ? deepMinus : hueMinus;
             const float e2 = maxOf(d2 - reachPlus, -d2 - reachMinus);
-            return TsPixelMath::clampUnit(slope * maxOf(d1 + lift, e2), zero, one);
+            const float brightness = d3 * invBeta + 1.0f;
+            const float e3 =
+                maxOf((brightness - upper) * invUpperWidth, (lower - brightness) * invLowerWidth);
+            return TsPixelMath::clampUnit(maxOf(slope * maxOf(d1 + lift, e2), e3), zero, one);
         }
         [[gnu::always_inline]] float alpha(float r, float g, float b, float& d1, float& d2,
                                            float& d3, float zero, float one) const {
             coords(r, g, b, d1, d2, d3);
-            return alphaAt(d1, d2, zero, one);
+            return alphaAt(d1, d2, d3, zero, one);
         }
     };
     const Base& getBase() const { return _base; }

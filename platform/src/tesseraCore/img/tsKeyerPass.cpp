@@ -297,12 +297,11 @@ degrainBlock(const float* __restrict d1, const float* __restrict s0, const float
     }
 }
 
-[[gnu::always_inline]] inline void alphaBlock(const TsMatteStage::Base& base,
-                                              const float* __restrict d1,
-                                              const float* __restrict d2, float* __restrict alpha,
-                                              float zero, float one) {
+[[gnu::always_inline]] inline void
+alphaBlock(const TsMatteStage::Base& base, const float* __restrict d1, const float* __restrict d2,
+           const float* __restrict d3, float* __restrict alpha, float zero, float one) {
     for (int k = 0; k < Block; ++k) {
-        alpha[k] = base.alphaAt(d1[k], d2[k], zero, one);
+        alpha[k] = base.alphaAt(d1[k], d2[k], d3[k], zero, one);
     }
 }
 
@@ -466,7 +465,7 @@ void keyRows(const RowJob& job, int j0, int j1) {
             degrainBlock(here.d1 + x0, below.sum + x0, here.sum + x0, above.sum + x0, below.lo + x0,
                          here.lo + x0, above.lo + x0, below.hi + x0, here.hi + x0, above.hi + x0,
                          here.reach[block], here.widen[block], flat);
-            alphaBlock(base, flat, here.d2 + x0, fg.a, zero, one);
+            alphaBlock(base, flat, here.d2 + x0, here.d3 + x0, fg.a, zero, one);
             if (boxRules) {
                 lightBlock(line, plate.r, plate.g, plate.b, light.r, light.g, light.b);
                 job.matte.applyBoxRules(light.r, light.g, light.b, plate.r, plate.g, plate.b, fg.a,

@@ -42,6 +42,16 @@ TsMatteStage::TsMatteStage(const TsKeyerSettings& settings) {
     _base.deepMinus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[4]));
     _base.huePlus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[5]));
     _base.hueMinus = TsMgAnimToAlgo::hueToReach(static_cast<float>(p[6]));
+    const TsMgUtils::KeyAxes axes = TsMgUtils::getKeyAxes(_key);
+    const float grey = std::fabs(_key.r + _key.g + _key.b) / std::sqrt(3.0f);
+    // A black key has no brightness to share: the term then stays out.
+    _base.invBeta = grey > 1e-6f ? axes.chroma / grey : 0.0f;
+    const float highlights = TsMgAnimToAlgo::highlightsToScreenReach(static_cast<float>(p[2]));
+    const float shadows = TsMgAnimToAlgo::shadowsToScreenReach(static_cast<float>(p[1]));
+    _base.upper = 1.0f + highlights;
+    _base.lower = 1.0f - shadows;
+    _base.invUpperWidth = 1.0f / std::max(2.0f * highlights, MinReach);
+    _base.invLowerWidth = 1.0f / std::max(2.0f * shadows, MinReach);
 
     _degrain = settings.degrainOn && settings.degrainBox != CoAffineMatrixTyped<float>::IDENTITY;
     _degrainBox = settings.degrainBox;
