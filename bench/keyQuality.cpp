@@ -35,6 +35,7 @@
 
 #include <tesseraCore/demo/tsDemoPlate.h>
 #include <tesseraCore/render/tsViewRender.h>
+#include <tesseraCore/setup/tsValueText.h>
 #include <tesseraUtil/tsMgUtils.h>
 #include <ui/uiApplication.h>
 
@@ -93,7 +94,7 @@ std::string scaled(const SessionScript::Line& line, const TsDemoPlate::Options& 
             x = !x;
             out << " " << SessionArgs::format(v);
         } else {
-            out << " " << SessionScript::quote(w);
+            out << " " << TsValueText::quoteWord(w);
         }
     }
     return out.str();

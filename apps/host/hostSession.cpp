@@ -13,6 +13,7 @@
 #include <resmgt/msgFileGuard.h>
 #include <tesseraCore/colour/tsColour.h>
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/demo/tsDemoShot.h>
 #include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/tsNodeSelectChangedEvent.h>
 #include <tesseraCore/tsSetup.h>
@@ -343,9 +344,17 @@ bool HostSession::isModified() const {
 
 // --- plates
 
-void HostSession::setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo) {
-    setPlate(demo->getPlate(), "demo");
-    _demo = demo;
+void HostSession::setDemoPlate(const std::shared_ptr<const TsDemoPlate>& still) {
+    setDemoShot(rcMake<TsDemoShot>(still));
+}
+
+void HostSession::setDemoShot(const RCShdPtr<const TsDemoShot>& shot) {
+    setPlate(shot->isStill() ? PiClipPtr(shot->plateAt(1)->getPlate()) : PiClipPtr(shot), "demo");
+    _demo = shot;
+}
+
+std::shared_ptr<const TsDemoPlate> HostSession::getDemo() const {
+    return _demo ? _demo->plateAt(PiClip::frameOf(getFrame())) : nullptr;
 }
 
 void HostSession::setPlate(const PiClipPtr& plate, const std::string& name) {

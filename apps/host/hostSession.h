@@ -27,6 +27,7 @@ class UiPanel;
 class UiViewer;
 class MsgFileGuard;
 class TsDemoPlate;
+class TsDemoShot;
 
 // What both host programs are made of: the keyer scene (TsKeyerScene: one
 // keyer group with its keyer nodes in a graph of their own, whose command
@@ -115,10 +116,13 @@ public:
     // A plate that is a sequence brings the frame into its range.
     void setPlate(const PiClipPtr& plate, const std::string& name);
     void setBackground(const PiClipPtr& background, const std::string& name);
-    // Shows the built-in demo plate's plate, kept for its ground truth.
-    void setDemoPlate(const std::shared_ptr<const TsDemoPlate>& demo);
-    // The demo plate whose plate is shown; null for any other plate.
-    const std::shared_ptr<const TsDemoPlate>& getDemo() const { return _demo; }
+    // Shows the built-in demo plate (a still, or a shot of frames 1 to N),
+    // kept for its ground truth.
+    void setDemoPlate(const std::shared_ptr<const TsDemoPlate>& still);
+    void setDemoShot(const RCShdPtr<const TsDemoShot>& shot);
+    // The demo plate shown at the current frame, with its truth; null for any
+    // other plate.
+    std::shared_ptr<const TsDemoPlate> getDemo() const;
     const PiClipPtr& getPlate() const { return _scene->getPlate(); }
     const std::string& getPlateName() const { return _scene->getPlateName(); }
     const PiClipPtr& getBackground() const { return _scene->getBackground(); }
@@ -184,7 +188,7 @@ private:
     std::unique_ptr<UiMainWindow> _mainWindow;
     std::unique_ptr<TsKeyerScene> _scene;
     RCShdPtr<TsKeyerNode> _shown;
-    std::shared_ptr<const TsDemoPlate> _demo; // while its plate is shown
+    RCShdPtr<const TsDemoShot> _demo; // while its plate is shown
     std::vector<ExReporter::Report> _reports;
     int _listener = 0;
     CbMethod<HostSession, const PiNodeEvent> _selectChanged{this,

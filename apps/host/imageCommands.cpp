@@ -7,6 +7,7 @@
 #include "sessionInterpreter.h"
 
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/demo/tsDemoShot.h>
 #include <tesseraCore/io/tsPlateIO.h>
 #include <tesseraCore/io/tsSequence.h>
 #include <tesseraCore/io/tsSequenceClip.h>
@@ -65,9 +66,12 @@ void readSource(SessionInterpreter& in, SessionArgs& a, TsKeyerScene::Source sou
     }
 }
 
+constexpr int MaxDemoFrames = 10000;
+
 // The demo plate's options after its size, in any order: seed N, grain G,
-// uneven U, spill S (multipliers from 0 to 10), subject NAME.
-void takeDemoOptions(SessionArgs& a, TsDemoPlate::Options& options) {
+// uneven U, spill S (multipliers from 0 to 10), subject NAME, frames N (a
+// shot of N frames; a still without).
+void takeDemoOptions(SessionArgs& a, TsDemoPlate::Options& options, int& frames) {
     auto multiplier = [&a](const std::string& what) {
         const double v = a.number(what);
         if (!(v >= 0.0 && v <= 10.0)) {
@@ -76,14 +80,20 @@ void takeDemoOptions(SessionArgs& a, TsDemoPlate::Options& options) {
         return v;
     };
     while (!a.atEnd()) {
-        const std::string option =
-            a.choice("demo plate option", {"seed", "grain", "uneven", "spill", "subject"});
+        const std::string option = a.choice(
+            "demo plate option", {"seed", "grain", "uneven", "spill", "subject", "frames"});
         if (option == "seed") {
             const int seed = a.integer("seed");
             if (seed < 0) {
                 throw SessionArgs::Error("a seed is 0 or more");
             }
             options.seed = static_cast<std::uint64_t>(seed);
+        } else if (option == "frames") {
+            frames = a.integer("frames");
+            if (frames < 1 || frames > MaxDemoFrames) {
+                throw SessionArgs::Error("a demo shot has 1 to " + std::to_string(MaxDemoFrames) +
+                                         " frames");
+            }
         } else if (option == "grain") {
             options.grain = multiplier("grain");
         } else if (option == "uneven") {
@@ -115,9 +125,10 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
                     throw SessionArgs::Error("a demo plate is 64 to 8192 pixels each way");
                 }
             }
-            takeDemoOptions(a, options);
+            int frames = 0;
+            takeDemoOptions(a, options, frames);
             a.end();
-            s.setDemoPlate(std::make_shared<const TsDemoPlate>(options));
+            s.setDemoShot(rcMake<TsDemoShot>(options, frames));
             return;
         }
         readSource(in, a, TsKeyerScene::Source::Plate, "plate file (or demo)");

@@ -107,23 +107,29 @@ TEST_F(FlatColourKey, OverallAndEdgeSoftnessSetTheRampAlongAxisOne) {
     EXPECT_EQ(alpha(at(i + 0.11f)), 1.0f);
 }
 
-// A colour's brightness alone never makes it opaque: a veil of light fabric
-// and a strand of dark hair are mixes with the screen like any other. The
-// screen lit brighter or darker is keyed as screen within the reach of
-// Highlights and Shadows, measured on the plate (TsScreenEstimate).
+// Within the screen's light (the reaches of Highlights and Shadows) a
+// colour's brightness alone never makes it opaque: a veil of light fabric and
+// a strand of dark hair are mixes with the screen like any other. Beyond it a
+// colour is subject. The screen lit brighter or darker is keyed as screen
+// within those reaches, measured on the plate (TsScreenEstimate).
 TEST_F(FlatColourKey, ShadowsAndHighlightsReachTheScreenAsLit) {
-    EXPECT_EQ(alpha(at(0.0f, 0.0f, 0.8f)), 0.0f);
-    EXPECT_EQ(alpha(at(0.0f, 0.0f, -0.8f)), 0.0f);
+    // Brightness as a share of the key's, along axis 3.
+    const auto brightness = [&](float d3) { return 1.0f + d3 * axes.chroma * 1.7320508f / 0.7f; };
+    EXPECT_EQ(alpha(at(0.0f, 0.0f, 0.8f)), 0.0f); // within twice the key's
+    EXPECT_EQ(alpha(at(0.0f, 0.0f, -0.4f)), 0.0f);
+    // Darker than 60 % of the key: opaque over 80 % further down.
+    EXPECT_NEAR(alpha(at(0.0f, 0.0f, -0.8f)), (0.6f - brightness(-0.8f)) / 0.8f, 1e-5f);
     // Half the plate the key colour, half a part of the screen at 70 % of
-    // its light: out of reach it keys as a mix with a dark subject.
+    // its light: out of reach it keys as subject.
     const Rgb dark = key * 0.7f;
     auto darkMatte = [&](double shadows) {
         settings.matte[1] = shadows;
         return passMatte({key, dark}, 48)[1];
     };
     EXPECT_EQ(darkMatte(0.5), 0.0f); // reach 0.4
-    EXPECT_NEAR(darkMatte(0.2), alpha(dark), 1e-5f);
-    EXPECT_GT(alpha(dark), 0.3f);
+    const float outOfReach = darkMatte(0.2);
+    EXPECT_NEAR(outOfReach, alpha(dark), 1e-5f);
+    EXPECT_GT(outOfReach, 0.3f);
     settings.matte[1] = 0.5;
     // A part of the screen brighter by a fifth and a little washed out.
     const Rgb washed = (key + (grey - key) * 0.25f) * 1.2f;

@@ -68,6 +68,12 @@ public:
         double uneven = 1.0;
         double spill = 1.0;
         Subject subject = Subject::Portrait;
+        // The frame of a shot counted from 0 (TsDemoShot): the subject sways
+        // sideways (up to 6 % of the height either way, a swing every 40
+        // frames), the screen's light dims by up to 8 % and back every 60
+        // frames while its unevenness drifts across, and the grain is new.
+        // Frame 0 is the still.
+        int frame = 0;
     };
 
     // The subjects' names, in the order of Subject; false for an unknown one.

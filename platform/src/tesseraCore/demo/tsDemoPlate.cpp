@@ -102,14 +102,23 @@ void TsDemoPlate::generate() {
     const double spillScale = _options.spill;
     const float grainScale = static_cast<float>(_options.grain);
 
+    // A frame of a shot: the subject's sideways sway, the light's drift and
+    // the grain's own seed.
+    const double frame = _options.frame;
+    const int sway = static_cast<int>(std::lround(0.06 * h * std::sin(2 * pi * frame / 40.0)));
+    const double drift = 1.0 - 0.04 * (1.0 - std::cos(2 * pi * frame / 60.0));
+    const double phase = 0.15 * frame;
+    const std::uint64_t grainSeed =
+        _options.frame == 0 ? seed : splitmix(seed ^ splitmix(0x5107 + _options.frame));
+
     // The screen's light: a broad, gentle unevenness (within about 6 %),
     // scaled by the options.
     auto lighting = [&](double x, double y) {
         const double u = x / width, v = y / h;
-        return 1.0 +
-               uneven * 0.035 * std::cos(2 * pi * 0.8 * u + 0.3) *
-                   std::sin(2 * pi * 0.6 * v + 1.1) -
-               uneven * 0.03 * (u - 0.5) * (u - 0.5) * 4.0 + uneven * 0.015 * (v - 0.5);
+        return drift * (1.0 +
+                        uneven * 0.035 * std::cos(2 * pi * 0.8 * u + 0.3 + phase) *
+                            std::sin(2 * pi * 0.6 * v + 1.1) -
+                        uneven * 0.03 * (u - 0.5) * (u - 0.5) * 4.0 + uneven * 0.015 * (v - 0.5));
     };
 
     tbb::parallel_for(tbb::blocked_range<int>(0, height), [&](const tbb::blocked_range<int>& rows) {
@@ -118,7 +127,7 @@ void TsDemoPlate::generate() {
             for (int i = 0; i < width; ++i) {
                 const double x = i + 0.5;
                 const std::size_t p = static_cast<std::size_t>(j) * width + i;
-                const TsDemoSubject::Pixel s = subject->at(i, j);
+                const TsDemoSubject::Pixel s = subject->at(std::clamp(i - sway, 0, width - 1), j);
                 const float a = static_cast<float>(s.alpha);
                 const Rgb& foreground = s.colour;
                 const Rgb spilled =
@@ -130,7 +139,7 @@ void TsDemoPlate::generate() {
                 float* out = plate->row(j) + 4 * i;
                 for (int c = 0; c < 3; ++c) {
                     const float sigma = (0.004f + 0.012f * std::max(0.0f, colour[c])) * grainScale;
-                    out[c] = colour[c] + sigma * gaussian(seed, 3 * p + c);
+                    out[c] = colour[c] + sigma * gaussian(grainSeed, 3 * p + c);
                 }
                 out[3] = 1.0f;
 
