@@ -238,6 +238,17 @@ TEST_F(KeyerImageScene, DemoPlateVariantsComeWithTheirTruth) {
                   .rfind("test.tss:1: unknown demo plate option \"colour\"", 0),
               0u);
     ok("expect plate == demo 160x90");
+
+    // A demo shot: the truth of the frame shown.
+    ok("plate demo 160 90 frames 20 seed 5\nframe 12\nwrite truth out/truth12.exr");
+    EXPECT_EQ(session->getPlate()->getFrameRange(), (PiFrameRange{1, 20, false}));
+    const PiImagePtr truth12 = TsPlateIO::read(path("out/truth12.exr"), error);
+    ASSERT_TRUE(truth12) << error;
+    const PiImagePtr frame12 = session->getDemo()->getTruthAlpha();
+    EXPECT_EQ(truth12->getPixel(100, 40).a, frame12->getPixel(100, 40).r);
+    ok("frame 1");
+    EXPECT_NE(session->getDemo()->getTruthAlpha().get(), frame12.get());
+    EXPECT_EQ(run("plate demo frames 0"), "test.tss:1: a demo shot has 1 to 10000 frames");
 }
 
 TEST_F(KeyerImageScene, AFileThatIsNoImageIsRefusedAndThePlateStays) {

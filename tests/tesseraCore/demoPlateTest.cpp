@@ -1,4 +1,5 @@
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/demo/tsDemoShot.h>
 #include <tesseraCore/img/tsKeyerPass.h>
 
 #include <tesseraUtil/tsMgUtils.h>
@@ -232,6 +233,42 @@ TEST_F(DemoPlate, DespillTakesTheGreenCastOffTheEdges) {
     EXPECT_GT(none, subjectCast + 0.05);
     EXPECT_LT(full, 0.02);
     EXPECT_NEAR(half, 0.5 * (none + full), 0.2 * (none - full));
+}
+
+// A shot: frame 1 is the still; later frames move the subject and dim the
+// screen, each with its truth; a frame is the same however it is reached.
+TEST(DemoShot, TheSubjectMovesAndTheLightDriftsDeterministically) {
+    const TsDemoPlate::Options options{160, 90, 4};
+    const TsDemoPlate still(options);
+    const TsDemoShot shot(options, 30);
+    EXPECT_EQ(shot.getFrameRange(), (PiFrameRange{1, 30, false}));
+    const auto same = [](const PiImage& a, const PiImage& b) {
+        return std::memcmp(a.row(0), b.row(0), sizeof(float) * 4 * a.getWidth() * a.getHeight()) ==
+               0;
+    };
+    EXPECT_TRUE(same(*shot.plateAt(1)->getPlate(), *still.getPlate()));
+    // The truth's centre of mass moves sideways; the screen's corner dims.
+    const auto centre = [](const PiImage& truth) {
+        double sum = 0.0, weighted = 0.0;
+        for (int j = 0; j < truth.getHeight(); ++j) {
+            for (int i = 0; i < truth.getWidth(); ++i) {
+                sum += truth.getPixel(i, j).r;
+                weighted += i * truth.getPixel(i, j).r;
+            }
+        }
+        return weighted / sum;
+    };
+    const auto frame10 = shot.plateAt(10);
+    EXPECT_GT(centre(*frame10->getTruthAlpha()) - centre(*still.getTruthAlpha()), 3.0);
+    EXPECT_LT(shot.plateAt(30)->getScreenColour().g, 0.97f * still.getScreenColour().g);
+    // Made again by another shot, after others: bit for bit the same.
+    EXPECT_TRUE(same(*shot.plateAt(30)->getTruthAlpha(),
+                     *TsDemoShot(options, 30).plateAt(30)->getTruthAlpha()));
+    for (int f = 2; f <= 5; ++f) {
+        shot.plateAt(f);
+    }
+    EXPECT_TRUE(same(*shot.plateAt(10)->getPlate(), *frame10->getPlate()));
+    EXPECT_FALSE(same(*shot.plateAt(11)->getPlate(), *frame10->getPlate()));
 }
 
 TEST(DemoPlateMedian, MedianPerChannelOverAClippedRectangle) {

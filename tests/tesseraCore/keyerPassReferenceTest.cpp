@@ -204,10 +204,17 @@ public:
             e3 = std::max((brightness - 1.0f - highlights) / std::max(2.0f * highlights, 0.01f),
                           (1.0f - shadows - brightness) / std::max(2.0f * shadows, 0.01f));
         }
-        const float raw = std::max(
-            (std::max(value + _intrusion, e2 + core) - core) / (_intrusion + _width - core), e3);
+        // The distance from the screen's region of the (d1, d2) plane.
+        const float share = std::max(value + _intrusion - core, 0.0f);
+        const float hue = std::max(e2, 0.0f);
+        const float raw =
+            std::max(std::sqrt(share * share + hue * hue) / (_intrusion + _width - core), e3);
         float a = clamp01(raw);
-        nearEnd = std::fabs(raw) < SwitchMargin || std::fabs(raw - 1.0f) < SwitchMargin;
+        // Where either term or the brightness crosses 0, or the sum 1.
+        const float slope = 1.0f / (_intrusion + _width - core);
+        nearEnd = std::fabs(value + _intrusion - core) * slope < SwitchMargin ||
+                  std::fabs(e2) * slope < SwitchMargin || std::fabs(e3) < SwitchMargin ||
+                  std::fabs(raw - 1.0f) < SwitchMargin;
 
         const Rgba x = _plate.getPixel(i, j);
         if (_settings.degrainOn && _settings.degrainBox != Box::IDENTITY) {

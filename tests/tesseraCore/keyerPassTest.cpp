@@ -75,8 +75,13 @@ TEST_F(FlatColourKey, KeyColourIsTransparentAndFarColoursOpaque) {
     EXPECT_EQ(m[4], 1.0f); // black lies at d1 = 1 like every neutral
     // Half way to grey: (0.5 - 0.0375) / (0.75 - 0.0375).
     EXPECT_NEAR(m[5], 0.6491f, 1e-3f);
-    // The scalar formula and the pass agree.
+    // The scalar formula and the pass agree; the colour's place is given.
     EXPECT_NEAR(alpha(at(0.5f)), m[5], 1e-6f);
+    const Rgb half = at(0.5f, 0.2f);
+    const TsMatteStage::ColourMatte place = TsMatteStage(settings).matteOf(half.r, half.g, half.b);
+    EXPECT_NEAR(place.d1, 0.5f - 0.15f, 1e-5f);
+    EXPECT_NEAR(place.d2, 0.2f, 1e-5f);
+    EXPECT_EQ(place.alpha, alpha(half));
     // A broken pixel keys as transparent rather than spreading NaN.
     EXPECT_EQ(alpha({std::nanf(""), 0.5f, 0.1f}), 0.0f);
 }

@@ -6,6 +6,7 @@
 #include <base/coAffineMatrixTyped.h>
 #include <base/coRgbColorTyped.h>
 
+#include <cmath>
 #include <vector>
 
 // The matte generator: the alpha of a colour seen in the key colour's light,
@@ -39,7 +40,8 @@
 //                                       screen's light, twice as far again to
 //                                       opaque (widths below MinReach count as
 //                                       MinReach)
-//   alpha = clamp(max((max(d1 + i, e2 + c) - c) / (i + w - c), e3), 0, 1)
+//   t  = max(d1 + i - c, 0),  h = max(e2, 0)
+//   alpha = clamp(max(sqrt(t^2 + h^2) / (i + w - c), e3), 0, 1)
 // with sr and hr the reaches of Shadows and Highlights
 // (TsMgAnimToAlgo::shadowsToScreenReach, highlightsToScreenReach).
 //
@@ -49,7 +51,10 @@
 // that is not quite the key colour need, and rises in a straight line to 1 at
 // i + w, where a subject's colour with the screen's light spilled on it lies.
 // Across it, a hue beyond the reach makes the colour opaque at the same rate:
-// a subject near the screen's hue (a yellow-green stem) is not keyed.
+// the matte is the distance from the screen's region of the (d1, d2) plane
+// (the core along axis 1, the hue reaches across it). A subject near the
+// screen's hue (a yellow-green stem) is not keyed, and a hue reach narrowed
+// makes any colour with a hue beyond it more opaque, whatever its share.
 // Brightness makes a colour opaque only beyond the screen's light: a colour
 // brighter or darker than the screen can be lit is subject, rising to opaque
 // twice as far beyond again (at the default reaches from twice the key
@@ -92,6 +97,15 @@ public:
 
     // The alpha of one colour (the formula above, one colour at a time).
     float alphaOf(float r, float g, float b) const;
+    // The matte of one colour with the current inputs, as on an evenly lit
+    // screen with no grain, and where the colour lies in the softness space
+    // (d1 lowered by the intrusion, as above): what a view of colour space
+    // draws.
+    struct ColourMatte {
+        float alpha;
+        float d1, d2, d3;
+    };
+    ColourMatte matteOf(float r, float g, float b) const;
 
     // The alpha of n colours given as three planes; the loops are written for
     // the compiler to vectorise, BlockSize colours at a time. The planes may
@@ -141,7 +155,10 @@ public:
             const float brightness = d3 * invBeta + 1.0f;
             const float e3 =
                 maxOf((brightness - upper) * invUpperWidth, (lower - brightness) * invLowerWidth);
-            return TsPixelMath::clampUnit(maxOf(slope * maxOf(d1 + lift, e2), e3), zero, one);
+            const float share = maxOf(d1 + lift, zero);
+            const float hue = maxOf(e2, zero);
+            const float distance = std::sqrt(share * share + hue * hue);
+            return TsPixelMath::clampUnit(maxOf(slope * distance, e3), zero, one);
         }
         [[gnu::always_inline]] float alpha(float r, float g, float b, float& d1, float& d2,
                                            float& d3, float zero, float one) const {

@@ -72,6 +72,13 @@ float TsMatteStage::alphaOf(float r, float g, float b) const {
     return alpha;
 }
 
+TsMatteStage::ColourMatte TsMatteStage::matteOf(float r, float g, float b) const {
+    ColourMatte m;
+    _base.coords(r, g, b, m.d1, m.d2, m.d3);
+    m.alpha = alphaOf(r, g, b);
+    return m;
+}
+
 void TsMatteStage::computeAlpha(const float* r, const float* g, const float* b, float* alpha,
                                 int n) const {
     for (int base = 0; base < n; base += BlockSize) {
