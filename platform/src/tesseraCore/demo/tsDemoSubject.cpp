@@ -77,6 +77,18 @@ public:
 
     float alpha(std::size_t p) const { return _alpha[p]; }
     const Rgb& colour(std::size_t p) const { return _colour[p]; }
+    // Pixel p as fine detail with `spill` of the screen's chroma (straight
+    // colour).
+    TsDemoSubject::Pixel pixel(std::size_t p, double spill) const {
+        TsDemoSubject::Pixel out;
+        out.alpha = _alpha[p];
+        if (out.alpha > 0.0) {
+            out.colour = _colour[p] * static_cast<float>(1.0 / out.alpha);
+        }
+        out.spill = spill;
+        out.fine = out.alpha > 0.0;
+        return out;
+    }
 
     void draw(const Strand& st, const Rgb& root, const Rgb& tip) {
         const int x0 =
@@ -305,14 +317,7 @@ public:
         Pixel spot;
         spot.alpha = std::max(cover(_nose.distance(x, y), soft), cover(_eye.distance(x, y), soft));
         spot.colour = Rgb{0.04f, 0.035f, 0.035f};
-        Pixel fur;
-        fur.alpha = _fur.alpha(p);
-        if (fur.alpha > 0.0) {
-            fur.colour = _fur.colour(p) * static_cast<float>(1.0 / fur.alpha);
-        }
-        fur.spill = 0.35;
-        fur.fine = fur.alpha > 0.0;
-        return over(spot, over(fur, body));
+        return over(spot, over(_fur.pixel(p, 0.35), body));
     }
 
 private:
@@ -435,14 +440,7 @@ public:
         core.alpha = cover(_core.distance(x, y), soft);
         core.colour = Core;
         core.spill = edgeSpill(_core.distance(x, y), 0.01 * _h);
-        Pixel filaments;
-        filaments.alpha = _filaments.alpha(p);
-        if (filaments.alpha > 0.0) {
-            filaments.colour = _filaments.colour(p) * static_cast<float>(1.0 / filaments.alpha);
-        }
-        filaments.spill = 0.35;
-        filaments.fine = filaments.alpha > 0.0;
-        return over(core, over(filaments, plant));
+        return over(core, over(_filaments.pixel(p, 0.35), plant));
     }
 
 private:
