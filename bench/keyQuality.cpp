@@ -124,8 +124,7 @@ Result measure(const HostSession& session) {
     const TsDemoPlate& demo = *session.getDemo();
     const TsKeyerNode& node = *session.getShownNode();
     const PiImagePtr matte = TsViewRender::render(node, session.getFrame(), TsViewMode::Matte);
-    const PiImagePtr fg =
-        TsViewRender::render(node, session.getFrame(), TsViewMode::Foreground);
+    const PiImagePtr fg = TsViewRender::render(node, session.getFrame(), TsViewMode::Foreground);
     Result r;
     r.score = demo.score(*matte);
     const PiImage& truth = *demo.getTruthAlpha();

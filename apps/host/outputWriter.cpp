@@ -31,8 +31,8 @@ const std::vector<std::string>& OutputWriter::getKinds() {
 bool OutputWriter::write(const std::string& kind, const std::string& path, std::string& error,
                          const std::string& colourSpace) {
     bool ok = false;
-    if (!colourSpace.empty() && (kind == "viewer" || kind == "setup" || kind == "summary" ||
-                                 kind == "truth")) {
+    if (!colourSpace.empty() &&
+        (kind == "viewer" || kind == "setup" || kind == "summary" || kind == "truth")) {
         error = "a " + kind + " output takes no colour space";
         return false;
     }
