@@ -332,7 +332,10 @@ class RandomScenes : public ::testing::Test {
 protected:
     static constexpr int W = 131;
     static constexpr int H = 5;
-    static constexpr float Tolerance = 1e-5f;
+    // The pass's float maths, vectorised and contracted as each compiler
+    // chooses, against the reference's plain order of operations: a few
+    // parts in 100,000 on values near 1, far below any fault in a formula.
+    static constexpr float Tolerance = 5e-5f;
 
     std::mt19937 rng{20261121};
 
