@@ -5,6 +5,8 @@
 #include "sessionArgs.h"
 #include "sessionInterpreter.h"
 
+#include <tesseraCore/io/tsSequence.h>
+
 #include <QBuffer>
 #include <QByteArray>
 
@@ -26,6 +28,11 @@ void ColourSpaceCommands::write(SessionInterpreter& in, SessionArgs& a) {
     if (extension != ".png" && extension != ".PNG") {
         throw SessionArgs::Error("cannot write \"" + path +
                                  "\": a colour-space picture is written as .png");
+    }
+    if (TsSequence::isPattern(path)) {
+        throw SessionArgs::Error("cannot write \"" + path +
+                                 "\": a colour-space picture is one picture, of the viewer's "
+                                 "frame, not a frame sequence");
     }
     picture.follow(in.getSession());
     if (!picture.hasPlate()) {

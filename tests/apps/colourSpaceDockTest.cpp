@@ -166,6 +166,9 @@ TEST_F(ColourSpaceScene, WritesThePictureFromTwoCamerasAsTheGeometryDrawsIt) {
                                           TsCsRaster::Colouring::Own));
     }
     EXPECT_GT(meanDifference(references[0], references[1]), 2.0);
+    // One picture: a frame pattern is refused, not written under its name.
+    EXPECT_FALSE(perform("write colorspace " + (dir / "c.####.png").string()));
+    EXPECT_FALSE(std::filesystem::exists(dir / "c.####.png"));
     for (int k = 0; k < 2; ++k) {
         const QImage written((dir / (k == 0 ? "a.png" : "b.png")).string().c_str());
         ASSERT_EQ(written.size(), references[k].size()) << k;
