@@ -13,7 +13,7 @@
 #include <cmath>
 #include <filesystem>
 
-void ColourSpaceCommands::write(SessionInterpreter& in, SessionArgs& a) {
+void ColourSpaceCommands::write(SessionInterpreter& in, SessionArgs& a, OutputWriter& writer) {
     const std::string path = in.outputPath(a.word("output file"));
     ColourSpacePicture picture;
     while (!a.atEnd()) {
@@ -52,4 +52,5 @@ void ColourSpaceCommands::write(SessionInterpreter& in, SessionArgs& a) {
             error)) {
         throw SessionArgs::Error(error);
     }
+    writer.addWritten("colorspace", path);
 }

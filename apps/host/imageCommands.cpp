@@ -159,7 +159,7 @@ void ImageCommands::add(SessionInterpreter& interpreter, OutputWriter& writer) {
     });
     in.addCommand("write", [&in, &writer](SessionArgs& a) {
         if (a.take("colorspace")) {
-            ColourSpaceCommands::write(in, a);
+            ColourSpaceCommands::write(in, a, writer);
             return;
         }
         const std::string kind = a.choice("output", OutputWriter::getKinds());

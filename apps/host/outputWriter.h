@@ -41,6 +41,10 @@ public:
     bool write(const std::string& kind, const std::string& path, std::string& error,
                const std::string& colourSpace = {});
     const SessionSummary::Outputs& getWritten() const { return _written; }
+    // An output another command wrote, for the summary's list.
+    void addWritten(const std::string& kind, const std::string& path) {
+        _written.emplace_back(kind, path);
+    }
 
     const std::vector<TsShotRender::Output>& getShotOutputs() const { return _shotOutputs; }
     // The shot outputs are done with (a `render` line rendered them).

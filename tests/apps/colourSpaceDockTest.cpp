@@ -22,6 +22,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <unistd.h>
 
 namespace {
@@ -142,11 +143,16 @@ TEST_F(ColourSpaceScene, WritesThePictureFromTwoCamerasAsTheGeometryDrawsIt) {
     std::filesystem::create_directories(dir);
     std::ofstream(dir / "write.tss") << Keyed << "write setup key.tessera\n"
                                      << "write colorspace a.png\n"
-                                     << "write colorspace b.png azimuth 120 elevation 60\n";
+                                     << "write colorspace b.png azimuth 120 elevation 60\n"
+                                     << "write summary s.txt\n";
     const ProgramResult r =
         runProgram(std::string(TESSERA_BIN_DIR) + "/tessera-run --quiet --out " + dir.string() +
                    " " + (dir / "write.tss").string() + " 2>&1");
     ASSERT_EQ(r.status, 0) << r.out;
+    std::stringstream summary;
+    summary << std::ifstream(dir / "s.txt").rdbuf();
+    EXPECT_NE(summary.str().find("colorspace: " + (dir / "b.png").string()), std::string::npos)
+        << summary.str();
 
     // The same key here, whatever the viewers made of the drag.
     ASSERT_TRUE(perform("load " + (dir / "key.tessera").string()));
