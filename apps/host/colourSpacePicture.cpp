@@ -77,8 +77,13 @@ private:
 bool ColourSpacePicture::follow(const HostSession& session) {
     const RCShdPtr<TsKeyerNode> node = session.getShownNode();
     const PiClipPtr& clip = session.getPlate();
+    const bool newPick = picked != session.getLastPicked();
+    if (newPick) {
+        picked = session.getLastPicked();
+    }
     return follow(clip ? clip->getImageAt(session.getFrame()) : PiImagePtr(),
-                  node ? node->getSettings(session.getFrame()) : TsKeyerSettings());
+                  node ? node->getSettings(session.getFrame()) : TsKeyerSettings()) ||
+           newPick;
 }
 
 bool ColourSpacePicture::follow(const PiImagePtr& plate, const TsKeyerSettings& settings) {
@@ -185,6 +190,15 @@ void ColourSpacePicture::draw(QImage& image) const {
             pen.label(_scene.key + _scene.axes[k], QString::number(k + 1));
         }
     }
+    // The last pick's colours: an outlined square each, at most MaxPicked
+    // of them evenly through the pick (a box sweep takes many thousands).
+    constexpr std::size_t MaxPicked = 2048;
+    const std::size_t stride = picked.size() / MaxPicked + 1;
+    for (std::size_t i = 0; i < picked.size(); i += stride) {
+        painter.setPen(QPen(Qt::white, 1.0));
+        painter.setBrush(shown(picked[i]));
+        painter.drawRect(QRectF(pen.at(picked[i]) - QPointF(3, 3), QSizeF(6, 6)));
+    }
     painter.setPen(QPen(Qt::white, 1.0));
     for (const Colour& c : _scene.keyColours) {
         painter.setBrush(shown(c));
@@ -194,6 +208,7 @@ void ColourSpacePicture::draw(QImage& image) const {
     const QPointF k = pen.at(_scene.key);
     painter.drawPolygon(
         QPolygonF({k + QPointF(0, -8), k + QPointF(8, 0), k + QPointF(0, 8), k + QPointF(-8, 0)}));
+    painter.setBrush(Qt::NoBrush);
     painter.setBrush(Qt::NoBrush);
     if (markedPoint >= 0 && markedPoint < _cloud.size()) {
         painter.setPen(QPen(Qt::white, 2.0));

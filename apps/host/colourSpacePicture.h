@@ -43,6 +43,8 @@ public:
     // Marked: a point of the cloud (-1 none) and a colour (the viewer's).
     int markedPoint = -1;
     std::optional<CoRgbColorTyped<float>> markedColour;
+    // The colours the last pick took (the session's), highlighted.
+    std::vector<CoRgbColorTyped<float>> picked;
 
     const TsCsCloud& getCloud() const { return _cloud; }
     const TsCsScene& getScene() const { return _scene; }

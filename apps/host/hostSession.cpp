@@ -65,6 +65,13 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
     startPackages();
     _listener = ExReporter::getInstance().addListener(
         [this](const ExReporter::Report& r) { _reports.push_back(r); });
+    _pickObserverBefore =
+        MfImgPickTool::setPickObserver([this](const List<CoRgbaColorTyped<float>>& colours) {
+            _lastPicked.clear();
+            for (const CoRgbaColorTyped<float>& c : colours) {
+                _lastPicked.push_back({c.r, c.g, c.b});
+            }
+        });
     _catalogue = std::make_unique<MsgFileGuard>("tessera.msg");
     // The colour configuration is read on first use: now, so that a bad one
     // is reported at start.
@@ -93,6 +100,7 @@ HostSession::HostSession(QWidget* viewerParent, int width, int height, QWidget* 
 }
 
 HostSession::~HostSession() {
+    MfImgPickTool::setPickObserver(std::move(_pickObserverBefore));
     SnSelection::getCurrent()->detachObserver(this);
     detachGroup();
     // The panel's and the viewer's handlers (module code) go while the keyer

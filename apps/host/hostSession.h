@@ -4,6 +4,7 @@
 #include <base/exReporter.h>
 #include <base/obObserver.h>
 #include <base/rcShdPtr.h>
+#include <gfx/mfImgPickTool.h>
 #include <internalAPI/snSelection.h>
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piGraph.h>
@@ -164,6 +165,10 @@ public:
     RCShdPtr<PiContainer> getPanel(const std::string& name) const;
     UiPanel& getMainPanel() const { return *_mainPanel; }
 
+    // The colours the last pick of any image-pick tool took (key colours,
+    // boxes), in the order taken.
+    const std::vector<CoRgbColorTyped<float>>& getLastPicked() const { return _lastPicked; }
+
     // --- what went wrong since the session began, oldest first
     const std::vector<ExReporter::Report>& getReports() const { return _reports; }
 
@@ -190,6 +195,8 @@ private:
     RCShdPtr<TsKeyerNode> _shown;
     RCShdPtr<const TsDemoShot> _demo; // while its plate is shown
     std::vector<ExReporter::Report> _reports;
+    std::vector<CoRgbColorTyped<float>> _lastPicked;
+    MfImgPickTool::PickObserver _pickObserverBefore;
     int _listener = 0;
     CbMethod<HostSession, const PiNodeEvent> _selectChanged{this,
                                                             &HostSession::selectedNodeChanged};

@@ -85,6 +85,20 @@ protected:
 TEST_F(ColourSpaceScene, FollowsABarDragItsUndoAndItsRedo) {
     ASSERT_GT(picture().getCloud().size(), 1000);
     ASSERT_TRUE(picture().getScene().hasAxes);
+    // The key colour's pick is highlighted: the colours it took, each a
+    // pixel of the plate under the drag.
+    ASSERT_FALSE(picture().picked.empty());
+    const PiImagePtr plate = studio->getSession().getPlate()->getImageAt(0);
+    for (const CoRgbColorTyped<float>& c : picture().picked) {
+        bool under = false;
+        for (int y = 159; y <= 177 && !under; ++y) {
+            for (int x = 3; x <= 21 && !under; ++x) {
+                const CoRgbaColorTyped<float> p = plate->getPixel(x, y);
+                under = CoRgbColorTyped<float>{p.r, p.g, p.b} == c;
+            }
+        }
+        EXPECT_TRUE(under);
+    }
     ASSERT_TRUE(perform("hotkey \"Sample Matte\""));
     ASSERT_TRUE(perform("click 178 120"));
     const std::vector<float> before = levelLines();

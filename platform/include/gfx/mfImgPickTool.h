@@ -5,6 +5,8 @@
 #include <gfx/mfTool.h>
 #include <pluginAPI/piImgPick.h>
 
+#include <functional>
+
 // A tool that picks colours from the image and does something with them.
 //
 // It comes with two manipulators on its picker: element 0 an
@@ -30,6 +32,12 @@ public:
     // finished; empty before the first.
     const RCShdPtr<MfManipulator>& getImgPickManip() const { return _imgPickManip; }
     PiImgPick& getImgPick() const { return *_imgPick; }
+
+    // Told of what every pick of every image-pick tool took, after the tool
+    // processed it (the host shows the last pick's colours). One observer a
+    // process; setting one answers the one it replaces.
+    using PickObserver = std::function<void(const List<CoRgbaColorTyped<float>>& colours)>;
+    static PickObserver setPickObserver(PickObserver observer);
 
 private:
     RCShdPtr<PiImgPick> _imgPick;

@@ -3,6 +3,22 @@
 #include <gfx/mfPiImgPickListManip.h>
 #include <gfx/wsCursorRegistry.h>
 
+#include <utility>
+
+namespace {
+
+MfImgPickTool::PickObserver& pickObserver() {
+    static MfImgPickTool::PickObserver observer;
+    return observer;
+}
+
+} // namespace
+
+MfImgPickTool::PickObserver MfImgPickTool::setPickObserver(PickObserver observer) {
+    std::swap(pickObserver(), observer);
+    return observer;
+}
+
 MfImgPickTool::MfImgPickTool(PiImgPick& imgPick)
     : _imgPick(&imgPick) {
     addManipulator(RCShdPtr<MfManipulator>(new MfPiImgPickDragManip(imgPick)));
@@ -27,4 +43,7 @@ void MfImgPickTool::finalizeManipulation(const PiEventContext& context) {
         manip->collect(colours);
     }
     process(colours);
+    if (const PickObserver& observer = pickObserver()) {
+        observer(colours);
+    }
 }
