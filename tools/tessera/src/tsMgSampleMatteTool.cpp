@@ -122,18 +122,23 @@ void SampleMatteManip::setLevels(const int levels[BarCount]) {
 }
 
 void SampleMatteManip::layout() {
-    std::vector<MfRangeManipulator*> sorted;
+    // The bars by level, highest first; equal levels keep the parameters'
+    // order. The sort runs on a type local to this function, so that none of
+    // its instantiations is exported with the platform's types.
+    struct Bar {
+        MfRangeManipulator* manip;
+        int level;
+    };
+    std::vector<Bar> sorted;
     for (const auto& bar : _bars) {
-        sorted.push_back(bar.get());
+        sorted.push_back({bar.get(), _levels.at(bar.get())});
     }
-    // Equal levels keep the parameters' order.
     std::stable_sort(sorted.begin(), sorted.end(),
-                     [this](MfRangeManipulator* a, MfRangeManipulator* b) {
-                         return _levels.at(a) > _levels.at(b);
-                     });
+                     [](const Bar& a, const Bar& b) { return a.level > b.level; });
     GeRectangle<float> visible;
     float y = 0.0f;
-    for (MfRangeManipulator* bar : sorted) {
+    for (const Bar& entry : sorted) {
+        MfRangeManipulator* bar = entry.manip;
         if (_levels.at(bar) == 0) {
             bar->setState(3);
         } else {
