@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <string>
 #include <version>
 
@@ -10,7 +11,7 @@ using SourcePlace = std::source_location;
 // What std::source_location answers, built on the same compiler built-ins,
 // for the standard libraries and compilers that do not offer it together
 // (clang 14 with libstdc++ 12).
-struct SourcePlace {
+struct TS_BASE_API SourcePlace {
     static constexpr SourcePlace current(const char* file = __builtin_FILE(),
                                          unsigned line = __builtin_LINE()) noexcept {
         return SourcePlace{file, line};
@@ -26,7 +27,7 @@ struct SourcePlace {
 // Programming errors: an internal invariant that does not hold. The host
 // catches the exception (ExAssertionFailed) at its entry point and reports
 // the path, the line and the expression text.
-class Assertions {
+class TS_BASE_API Assertions {
 public:
     // At the caller's place in the source, which the compiler supplies: its
     // path from the project's root and its line. What the platform uses.

@@ -1,4 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
+
 // The payload of a broadcast that carries no data.
-struct CbEmptyType {};
+struct TS_BASE_API CbEmptyType {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/coRgbColorTyped.h>
 #include <base/coRgbaColorTyped.h>
 
@@ -53,11 +54,11 @@ public:
 
     // The general inverse (cofactors); a singular or non-finite matrix answers
     // false and leaves out alone.
-    bool computeInverse(CoAffineMatrixTyped& out) const;
+    TS_BASE_API bool computeInverse(CoAffineMatrixTyped& out) const;
     // The inverse; a singular or non-finite matrix has none and answers the
     // matrix whose every element is NaN, so that every point computed from
     // it is not a number (see TsUtils for what a colour box makes of that).
-    CoAffineMatrixTyped computeInverse() const;
+    TS_BASE_API CoAffineMatrixTyped computeInverse() const;
 
     bool operator==(const CoAffineMatrixTyped& o) const = default;
 

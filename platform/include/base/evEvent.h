@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/evKeyboardState.h>
 #include <base/gePoint2.h>
 
@@ -7,7 +8,7 @@
 
 // The root of the host's events. An event travels from handler to handler
 // until one marks it processed.
-class EvEvent {
+class TS_BASE_API EvEvent {
 public:
     EvEvent() = default;
     EvEvent(const EvEvent&) = default;
@@ -120,8 +121,8 @@ private:
 class EvKeyDownEvent : public EvEventImpl<EvKeyDownEvent, EvKeyEvent> {
 public:
     EvKeyDownEvent() = default;
-    EvKeyDownEvent(const GePoint2<float>& coord, const EvKeyboardState& keys,
-                   EvKeyCode::KeyCode key);
+    TS_BASE_API EvKeyDownEvent(const GePoint2<float>& coord, const EvKeyboardState& keys,
+                               EvKeyCode::KeyCode key);
 };
 
 class EvKeyUpEvent : public EvEventImpl<EvKeyUpEvent, EvKeyEvent> {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <base/baseExport.h>
+
 // The host's key codes. The numbering is the host's own and is kept stable:
 // plugins and hotkey tables use the numbers. Escape is 15 and Shift is 142.
-struct EvKeyCode {
+struct TS_BASE_API EvKeyCode {
     enum KeyCode : int {
         KeyNone = 0,
         KeyBackspace = 8,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/evKeyCode.h>
 
 #include <bitset>
@@ -10,7 +11,7 @@
 // mask has bit (1 << id) set for each modifier held: mask 4 and identifier 2
 // both denote Ctrl. A held modifier key also shows as held key (Shift is key
 // 142), so a key test and a modifier test agree.
-class EvKeyboardState {
+class TS_BASE_API EvKeyboardState {
 public:
     enum KeyModifierID : int { Shift = 0, Alt = 1, Ctrl = 2, Meta = 3 };
     enum KeyModifierMask : unsigned {

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <exception>
 #include <string>
 
 // Root of the host's exception hierarchy. Every failure the host raises for a
 // plugin carries a readable text; the host reports that text where it catches.
-class ExBase : public std::exception {
+class TS_BASE_API ExBase : public std::exception {
 public:
     explicit ExBase(std::string message);
     const char* what() const noexcept override;
@@ -18,7 +19,7 @@ private:
 // A null object where one is required.
 class ExNullPtr : public ExBase {
 public:
-    explicit ExNullPtr(const std::string& typeName);
+    TS_BASE_API explicit ExNullPtr(const std::string& typeName);
     const std::string& getTypeName() const { return _typeName; }
 
 private:
@@ -28,7 +29,7 @@ private:
 // An object of the wrong dynamic type met by a checked cast.
 class ExCastFailed : public ExBase {
 public:
-    ExCastFailed(const std::string& from, const std::string& to);
+    TS_BASE_API ExCastFailed(const std::string& from, const std::string& to);
     const std::string& getFrom() const { return _from; }
     const std::string& getTo() const { return _to; }
 
@@ -40,7 +41,7 @@ private:
 // A broken internal invariant (see Assertions).
 class ExAssertionFailed : public ExBase {
 public:
-    ExAssertionFailed(std::string path, int line, std::string expression);
+    TS_BASE_API ExAssertionFailed(std::string path, int line, std::string expression);
     const std::string& getPath() const { return _path; }
     int getLine() const { return _line; }
     const std::string& getExpression() const { return _expression; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <exception>
 #include <functional>
 #include <mutex>
@@ -11,7 +12,7 @@
 // up here, with where it happened and what it was. Listeners (the status line
 // of the studio, standard error of the headless runner) show them; the last
 // reports are kept for tests and for the session summary.
-class ExReporter {
+class TS_BASE_API ExReporter {
 public:
     struct Report {
         std::string source;  // where: a file and line, a package, a widget, ...

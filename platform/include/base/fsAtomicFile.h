@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -34,7 +35,7 @@
 // device", "File too large", "Permission denied"), for the caller to put
 // after the file's name; writing through a link, the reason names the file
 // written.
-class FsAtomicFile {
+class TS_BASE_API FsAtomicFile {
 public:
     explicit FsAtomicFile(std::string path);
     // Discards what was not committed.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <cstdint>
 #include <string>
 
@@ -13,7 +14,7 @@
 // Errors are the reason alone ("it is a FIFO, not a regular file", "it holds
 // 300 MiB, more than the 256 MiB a setup may hold"), for the caller to put
 // after the file's name.
-class FsInputFile {
+class TS_BASE_API FsInputFile {
 public:
     // The whole file into `bytes`. The file is opened without blocking and
     // checked on the open descriptor, so that what is read is what was

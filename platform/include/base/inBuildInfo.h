@@ -1,8 +1,10 @@
 #pragma once
 
+#include <base/baseExport.h>
+
 // What a library says about its build, for the host's build-information
 // listing. Every text has static lifetime.
-class InBuildInfo {
+class TS_BASE_API InBuildInfo {
 public:
     virtual ~InBuildInfo();
     virtual const char* getDescription() const = 0;

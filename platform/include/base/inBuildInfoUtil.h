@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/inBuildInfo.h>
 #include <base/oPtr.h>
 
@@ -7,7 +8,7 @@
 #include <vector>
 
 // The registry of build information records.
-class InBuildInfoUtil {
+class TS_BASE_API InBuildInfoUtil {
 public:
     struct Entry {
         const InBuildInfo* info;

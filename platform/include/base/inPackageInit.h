@@ -1,11 +1,12 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <string>
 #include <typeinfo>
 #include <vector>
 
 // Something a package can depend on. Packages themselves are the common case.
-class InVariableBase {
+class TS_BASE_API InVariableBase {
 public:
     InVariableBase() = default;
     InVariableBase(const InVariableBase&) = delete;
@@ -16,7 +17,7 @@ public:
 // A package of the host: a named unit (a library or a loaded module) with
 // dependencies, started once after its dependencies and shut down before them.
 // A library announces its package with one static object (see InInit).
-class InPackageInit : public InVariableBase {
+class TS_BASE_API InPackageInit : public InVariableBase {
 public:
     explicit InPackageInit(const char* name);
     ~InPackageInit() override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/inBuildInfo.h>
 #include <base/inPackageInit.h>
 
@@ -16,7 +17,7 @@
 // (ExReporter) with the package's name, the module file it came from (when it
 // came from one) and the reason; the package is left unstarted and packages
 // that started stay started.
-class InPackageManager {
+class TS_BASE_API InPackageManager {
 public:
     enum class State { Registered, Started, Failed, Blocked, Stopped };
 

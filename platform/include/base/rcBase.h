@@ -1,12 +1,13 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/lkCounter.h>
 
 #include <atomic>
 
 // Liveness record shared between a counted object and its weak pointers. It
 // outlives the object as long as a weak pointer refers to it.
-class RCWeakBlock {
+class TS_BASE_API RCWeakBlock {
 public:
     void addRef() noexcept { _refs.fetch_add(1, std::memory_order_relaxed); }
     void release() noexcept;
@@ -21,7 +22,7 @@ private:
 // The polymorphic root of every counted object. Counted objects are made with
 // new, start with a count of 0 and are destroyed when the last counted pointer
 // lets go. The counter type is the subclass's choice (RCBase<C>).
-class RCCounted {
+class TS_BASE_API RCCounted {
 public:
     RCCounted() = default;
     RCCounted(const RCCounted&) noexcept {}

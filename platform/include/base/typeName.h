@@ -1,10 +1,11 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <string>
 #include <typeinfo>
 
 // Readable (demangled) names of types, for error texts and listings.
-std::string typeNameOf(const std::type_info& info);
+TS_BASE_API std::string typeNameOf(const std::type_info& info);
 
 template <class T>
 std::string typeNameOf() {

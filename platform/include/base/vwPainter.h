@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/coRgbaColorTyped.h>
 #include <base/gePoint2.h>
 #include <base/geRectangle.h>
@@ -13,7 +14,7 @@
 // The viewer hands a painter to its event handler through the VwView; the
 // reference host records the calls (a display list) and paints them after
 // the plate.
-class VwPainter {
+class TS_BASE_API VwPainter {
 public:
     VwPainter() = default;
     VwPainter(const VwPainter&) = default;

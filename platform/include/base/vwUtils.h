@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/gePoint2.h>
 #include <base/geRectangle.h>
 
@@ -7,7 +8,7 @@ class VwView;
 
 // Conversions between a viewer's window and its world (see VwView). The
 // viewers are orthographic: no perspective, no rotation.
-class VwUtils {
+class TS_BASE_API VwUtils {
 public:
     static GePoint2<float> windowToWorldOrtho(const VwView& view, const GePoint2<float>& window);
     static GePoint2<float> worldToWindowOrtho(const VwView& view, const GePoint2<float>& world);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/baseExport.h>
 #include <base/geAffineMatrix3.h>
 #include <base/gePoint2.h>
 #include <base/geRectangle.h>
@@ -14,7 +15,7 @@ class VwPainter;
 // zoom is the number of window pixels per world unit; the pan is the window
 // position of the world origin. So a world point (x, y) shows at window
 // (pan.x + zoom * x, pan.y - zoom * y).
-class VwView {
+class TS_BASE_API VwView {
 public:
     VwView() = default;
     VwView(int width, int height, float zoom = 1.0f, const GePoint2<float>& pan = {});

@@ -4,6 +4,7 @@
 #include <base/prdPredicate.h>
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
+#include <internalAPI/internalAPIExport.h>
 #include <pluginAPI/snItem.h>
 
 #include <vector>
@@ -21,7 +22,7 @@ public:
     RCShdPtr<const SnItem> first() const {
         return _items.empty() ? RCShdPtr<const SnItem>() : _items.front();
     }
-    bool contains(const SnItem& item) const;
+    TS_INTERNAL_API bool contains(const SnItem& item) const;
 
 protected:
     Items _items;
@@ -36,24 +37,25 @@ protected:
 // to become current with assign()).
 class SnSelection : public Sn, public ObSubject<Sn> {
 public:
-    static RCShdPtr<SnSelection> create();
-    static RCShdPtr<SnSelection> create(const RCShdPtr<const SnItem>& item);
-    static RCShdPtr<SnSelection> create(const Items& items);
+    TS_INTERNAL_API static RCShdPtr<SnSelection> create();
+    TS_INTERNAL_API static RCShdPtr<SnSelection> create(const RCShdPtr<const SnItem>& item);
+    TS_INTERNAL_API static RCShdPtr<SnSelection> create(const Items& items);
 
     // The application's current node selection (one object for the whole
     // process).
-    static const RCShdPtr<SnSelection>& getCurrent();
+    TS_INTERNAL_API static const RCShdPtr<SnSelection>& getCurrent();
 
     // Each changes the items and notifies the observers when the items
     // changed (null items and repeats are dropped).
-    void setItems(const Items& items);
+    TS_INTERNAL_API void setItems(const Items& items);
     void assign(const Sn& other) { setItems(other.getItems()); }
-    void add(const RCShdPtr<const SnItem>& item);
-    void remove(const SnItem& item);
+    TS_INTERNAL_API void add(const RCShdPtr<const SnItem>& item);
+    TS_INTERNAL_API void remove(const SnItem& item);
     void clear() { setItems({}); }
 
     // The items that satisfy the predicate, in order, as a new selection.
-    RCShdPtr<SnSelection> filter(const PrdPredicate<RCShdPtr<const SnItem>>& predicate) const;
+    TS_INTERNAL_API RCShdPtr<SnSelection>
+    filter(const PrdPredicate<RCShdPtr<const SnItem>>& predicate) const;
 
 private:
     SnSelection() = default;

@@ -2,6 +2,7 @@
 
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <string>
 
@@ -10,7 +11,7 @@ using PiImagePtr = RCShdPtr<const PiImage>;
 
 // The frames a clip holds, first to last, whole numbers. A still holds every
 // frame: its range is unbounded.
-struct PiFrameRange {
+struct TS_PLUGIN_API PiFrameRange {
     int first = 0;
     int last = -1;
     bool unbounded = true;
@@ -24,7 +25,7 @@ struct PiFrameRange {
 // own, the same image at every frame (PiImage derives from PiClip); a
 // sequence answers the image of the frame a time falls on. Clips are
 // immutable once made and safe to read from any thread.
-class PiClip : public RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiClip : public RCBase<LkCounter<int>> {
 public:
     ~PiClip() override;
 

@@ -4,6 +4,7 @@
 #include <base/cbEmptyType.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 #include <cstddef>
@@ -19,7 +20,7 @@
 // step closes when the outermost guard goes. 1 begins a named step that stays
 // open after the guard (an interactive drag); 2 continues it (the guard's
 // text is ignored); 3 ends it: the step closes when the guard goes.
-class PiExecParam {
+class TS_PLUGIN_API PiExecParam {
 public:
     enum Transition { None = 0, Begin = 1, Continue = 2, End = 3 };
 
@@ -59,7 +60,7 @@ private:
 // Recovery. The host contains exceptions from plugin code (exContain) and then
 // runs ExReporter's recovery hooks; the command stacks register one that
 // closes every open step with what was done, so no step stays open.
-class PiCommandStack {
+class TS_PLUGIN_API PiCommandStack {
 public:
     PiCommandStack();
     PiCommandStack(const PiCommandStack&) = delete;
@@ -194,7 +195,7 @@ private:
 // Opens (or joins) a step of a command stack for as long as it lives; see
 // PiExecParam for the transitions. The text names the step (an empty name is
 // replaced by the name of the first input the step changes).
-class PiUndoGuard {
+class TS_PLUGIN_API PiUndoGuard {
 public:
     PiUndoGuard(PiCommandStack& stack, const LiString& text,
                 const PiExecParam& param = PiExecParam());

@@ -2,11 +2,12 @@
 
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piWidget.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 // A widget that holds others: a panel, or a part of one. Plug-ins receive a
 // container from the host and find its widgets by name.
-class PiContainer : public virtual PiWidget {
+class TS_PLUGIN_API PiContainer : public virtual PiWidget {
 public:
     ~PiContainer() override;
 

@@ -3,6 +3,7 @@
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
 #include <pluginAPI/piEventHandler.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <string>
 
@@ -15,7 +16,7 @@
 // handler's viewer (PiViewer::offerTool), which switches to the stage of its
 // node that owns the tool. Tool-changed callbacks run after every change of
 // the current tool, in registration order.
-class PiCurrentToolEventHandler : public PiEventHandler {
+class TS_PLUGIN_API PiCurrentToolEventHandler : public PiEventHandler {
 public:
     ~PiCurrentToolEventHandler() override;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <pluginAPI/pluginAPIExport.h>
 
 class PiImage;
 
@@ -9,7 +10,7 @@ class PiImage;
 // every output read the scene-linear image. The host installs the colour
 // management's transform on each viewer; until then a viewer clamps the
 // linear values to [0, 1] and shows them as they are.
-class PiDisplayTransform {
+class TS_PLUGIN_API PiDisplayTransform {
 public:
     PiDisplayTransform() = default;
     PiDisplayTransform(const PiDisplayTransform&) = delete;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piWidget.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 // A toggle: a widget that is on or off (a check box, a checkable button).
 //
@@ -14,7 +15,7 @@
 // it, also when the controller ignores the press.
 // Toggles of an exclusive group (radio-like) cannot be switched off by a
 // click, only by switching another one on.
-class PiDualState : public virtual PiWidget {
+class TS_PLUGIN_API PiDualState : public virtual PiWidget {
 public:
     ~PiDualState() override;
 

@@ -2,13 +2,14 @@
 
 #include <base/evEvent.h>
 #include <base/gePoint2.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 class PiViewer;
 
 // One event on its way through a viewer's event handler: the event and the
 // viewer it happened in. Handlers mark the event processed through
 // getEvent().setProcessed().
-class PiEventContext {
+class TS_PLUGIN_API PiEventContext {
 public:
     // A device event that carries a screen position (getGlobalCoord) gets its
     // coordinate set to the viewer's window position of that point, so that

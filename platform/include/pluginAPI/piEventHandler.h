@@ -2,6 +2,7 @@
 
 #include <base/geRectangle.h>
 #include <base/rcBase.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 class PiEventContext;
 class PiViewer;
@@ -16,7 +17,7 @@ class VwView;
 // and the window pass (decorations over everything). Both paint through the
 // view's painter in window coordinates; `damage` is the window rectangle
 // being repainted.
-class PiEventHandler : public RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiEventHandler : public RCBase<LkCounter<int>> {
 public:
     PiEventHandler() = default;
     ~PiEventHandler() override;

@@ -3,6 +3,7 @@
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
 #include <base/rcShdPtr.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <vector>
 
@@ -19,7 +20,7 @@ class PiViewer;
 // viewerDestroyed when it goes. When the current viewer goes, the viewer
 // that was current before it (or else the one made last) takes its place,
 // as the focus would go back to it.
-class PiEventHandlingInterface {
+class TS_PLUGIN_API PiEventHandlingInterface {
 public:
     static PiEventHandlingInterface& getInstance();
 

@@ -4,12 +4,13 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piCommandStack.h>
 #include <pluginAPI/piGroupNode.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <cstdint>
 
 // A processing graph: a root group that holds the nodes, and the command
 // stack that records every change to their inputs.
-class PiGraph : public RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiGraph : public RCBase<LkCounter<int>> {
 public:
     static RCShdPtr<PiGraph> create();
     ~PiGraph() override;

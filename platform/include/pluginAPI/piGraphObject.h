@@ -2,6 +2,7 @@
 
 #include <base/rcBase.h>
 #include <base/rcBasePtr.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <cstdint>
 
@@ -9,7 +10,7 @@
 // the inputs (a node's values). Each object gets an identity when it is made;
 // the identity never changes and is never reused in the process, so it tells
 // two objects apart even after one of them is gone.
-class PiGraphObject : public virtual RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiGraphObject : public virtual RCBase<LkCounter<int>> {
 public:
     PiGraphObject();
     PiGraphObject(const PiGraphObject&) = delete;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piNode.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <cstdint>
 #include <vector>
@@ -20,7 +21,7 @@ class PiBoundaryNode;
 // the events' handlers make; undo puts the child back in its place. Adding a
 // child joins the open step (a setup load that adds nodes takes them back on
 // undo); outside a step adding is building the graph and is not recorded.
-class PiGroupNode : public PiNode {
+class TS_PLUGIN_API PiGroupNode : public PiNode {
 public:
     explicit PiGroupNode(const LiString& name, bool withBoundaryNodes = false);
     ~PiGroupNode() override;
@@ -71,7 +72,7 @@ private:
 class PiBoundaryNode : public PiNode {
 public:
     enum Kind { Input = 0, Output = 1 };
-    PiBoundaryNode(const LiString& name, Kind kind);
+    TS_PLUGIN_API PiBoundaryNode(const LiString& name, Kind kind);
     Kind getKind() const { return _kind; }
 
 private:

@@ -4,6 +4,7 @@
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piClip.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <cstddef>
 #include <vector>
@@ -19,8 +20,8 @@
 class PiImage : public PiClip {
 public:
     PiImage() = default;
-    PiImage(int width, int height);
-    PiImage(int width, int height, const CoRgbaColorTyped<float>& fill);
+    TS_PLUGIN_API PiImage(int width, int height);
+    TS_PLUGIN_API PiImage(int width, int height, const CoRgbaColorTyped<float>& fill);
 
     int getWidth() const { return _width; }
     int getHeight() const { return _height; }

@@ -8,6 +8,7 @@
 #include <base/rcShdPtr.h>
 #include <base/rcStrongPtr.h>
 #include <pluginAPI/piImage.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 class PiEventContext;
 class PiInput;
@@ -25,25 +26,27 @@ class PiImgPick : public RCBase<LkCounter<int>> {
 public:
     // ExNullPtr for a null input; ExCastFailed for an input that does not
     // hold an image. A null time path reads at frame 0.
-    static RCStrongPtr<PiImgPick> create(const RCShdPtr<const PiInput>& input,
-                                         const RCShdPtr<const PiTimePath>& timePath, int stream);
+    TS_PLUGIN_API static RCStrongPtr<PiImgPick> create(const RCShdPtr<const PiInput>& input,
+                                                       const RCShdPtr<const PiTimePath>& timePath,
+                                                       int stream);
 
     // The image at the time path's time; empty when the input holds none.
-    PiImagePtr getImage() const;
+    TS_PLUGIN_API PiImagePtr getImage() const;
 
     // The acceptance test: the event is a device event whose world point lies
     // over the image.
-    bool accepts(const PiEventContext& context) const;
-    bool isOverImage(const GePoint2<float>& world) const;
+    TS_PLUGIN_API bool accepts(const PiEventContext& context) const;
+    TS_PLUGIN_API bool isOverImage(const GePoint2<float>& world) const;
 
     // Appends the RGBA of every pixel whose centre lies in the rectangle,
     // rows bottom to top, pixels left to right; answers false (and appends
     // nothing) when the rectangle covers no pixel of the image.
-    bool pickColors(const GeRectangle<float>& rect, List<CoRgbaColorTyped<float>>& colours) const;
-    static bool pickColors(const PiImage& image, const GeRectangle<float>& rect,
-                           List<CoRgbaColorTyped<float>>& colours);
+    TS_PLUGIN_API bool pickColors(const GeRectangle<float>& rect,
+                                  List<CoRgbaColorTyped<float>>& colours) const;
+    TS_PLUGIN_API static bool pickColors(const PiImage& image, const GeRectangle<float>& rect,
+                                         List<CoRgbaColorTyped<float>>& colours);
     // The rectangle of one pixel: the one under the world point.
-    static GeRectangle<float> getPixelRectangle(const GePoint2<float>& world);
+    TS_PLUGIN_API static GeRectangle<float> getPixelRectangle(const GePoint2<float>& world);
 
     // The rectangle of the last pick that a tool showed or is about to take,
     // for drawing; invalid when none.
@@ -55,8 +58,8 @@ public:
     int getStream() const { return _stream; }
 
 private:
-    PiImgPick(const RCShdPtr<const PiInput>& input, const RCShdPtr<const PiTimePath>& timePath,
-              int stream);
+    TS_PLUGIN_API PiImgPick(const RCShdPtr<const PiInput>& input,
+                            const RCShdPtr<const PiTimePath>& timePath, int stream);
 
     RCShdPtr<const PiInput> _input;
     RCShdPtr<const PiTimePath> _timePath;

@@ -7,6 +7,7 @@
 #include <pluginAPI/piGraphObject.h>
 #include <pluginAPI/piInputPolicy.h>
 #include <pluginAPI/piValue.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -29,7 +30,7 @@ class PiCommandStack;
 enum class PiInterpolation { Linear, Smooth };
 
 // One animation key: the input's value at a frame.
-struct PiAnimKey {
+struct TS_PLUGIN_API PiAnimKey {
     double time = 0.0;
     PiValue value;
     PiInterpolation interpolation = PiInterpolation::Smooth;
@@ -37,7 +38,7 @@ struct PiAnimKey {
 
 // Everything an input holds that an edit can change: what the command stack
 // keeps before and after a step, and what a setup saves.
-struct PiInputState {
+struct TS_PLUGIN_API PiInputState {
     PiValue constant;            // the value at every time while there are no keys
     std::vector<PiAnimKey> keys; // sorted by time, times distinct
     bool locked = false;
@@ -70,7 +71,7 @@ struct PiInputState {
 // After every change (an edit, an undo, a redo, a load) the node's controller
 // is told, then the input's value-changed handlers are called, then the node
 // fires PiNodeEvent::ValueChanged.
-class PiInput : public PiGraphObject {
+class TS_PLUGIN_API PiInput : public PiGraphObject {
 public:
     PiInput(const LiString& name, const PiValue& defaultValue);
     ~PiInput() override;
@@ -186,15 +187,16 @@ private:
 // and written as one value so that a change of colour is one change.
 class PiStructuredInput : public PiInput {
 public:
-    PiStructuredInput(const LiString& name, const CoRgbColorTyped<float>& defaultValue);
+    TS_PLUGIN_API PiStructuredInput(const LiString& name,
+                                    const CoRgbColorTyped<float>& defaultValue);
 
     static constexpr int ComponentCount = 3;
     // "red", "green", "blue".
-    static const char* getComponentName(int component);
+    TS_PLUGIN_API static const char* getComponentName(int component);
 };
 
 template <class T>
-T PiInput::getTypedValue(double time) const {
+inline T PiInput::getTypedValue(double time) const {
     if (_type != PiValueTypeOf<T>::value) {
         wrongType("_type == PiValueTypeOf<T>::value");
     }

@@ -6,6 +6,7 @@
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piInputValue.h>
 #include <pluginAPI/piTimePath.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 // A live view of a structured colour input at the time of a time path: the
 // operations of PiInputValue over a CoRgbColorTyped<float>, the three
@@ -13,8 +14,8 @@
 class PiInputRgbColor : public RCBase<LkCounter<int>> {
 public:
     // ExNullPtr for a null input.
-    static RCShdPtr<PiInputRgbColor> create(const RCShdPtr<PiStructuredInput>& input,
-                                            const RCShdPtr<const PiTimePath>& timePath);
+    TS_PLUGIN_API static RCShdPtr<PiInputRgbColor>
+    create(const RCShdPtr<PiStructuredInput>& input, const RCShdPtr<const PiTimePath>& timePath);
 
     // The state query the automatic rules test first: a locked colour is
     // never changed by them.
@@ -37,8 +38,8 @@ public:
     const RCShdPtr<const PiTimePath>& getTimePath() const { return _view->getTimePath(); }
 
 private:
-    PiInputRgbColor(const RCShdPtr<PiStructuredInput>& input,
-                    const RCShdPtr<const PiTimePath>& timePath);
+    TS_PLUGIN_API PiInputRgbColor(const RCShdPtr<PiStructuredInput>& input,
+                                  const RCShdPtr<const PiTimePath>& timePath);
 
     RCShdPtr<PiStructuredInput> _input;
     RCShdPtr<PiInputValue<CoRgbColorTyped<float>>> _view;

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <pluginAPI/piWidget.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 // A menu of text entries with one selected entry (a combo box). A user's
 // choice fires Activated (even when the entry chosen was already selected).
-class PiMenu : public virtual PiWidget {
+class TS_PLUGIN_API PiMenu : public virtual PiWidget {
 public:
     ~PiMenu() override;
 

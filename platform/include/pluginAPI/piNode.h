@@ -4,6 +4,7 @@
 #include <pluginAPI/piGraphObject.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piNodeController.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 #include <unordered_map>
@@ -17,7 +18,7 @@ class PiCommandStack;
 // values) and a controller (its behaviour). A node belongs to at most one
 // group; the graph of the outermost group is the node's graph, and the
 // graph's command stack records every change to the node's inputs.
-class PiNode : public PiGraphObject {
+class TS_PLUGIN_API PiNode : public PiGraphObject {
 public:
     explicit PiNode(const LiString& name);
     ~PiNode() override;

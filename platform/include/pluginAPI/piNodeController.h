@@ -5,6 +5,7 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piNodeEvent.h>
 #include <pluginAPI/piValue.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 #include <memory>
@@ -25,7 +26,7 @@ class PiInput;
 // Node events are delivered by exact type: a handler registered for
 // PiNodeEvent::ValueChanged receives ValueChanged events only. Any class
 // derived from PiNodeEvent is an event type.
-class PiNodeController : public virtual RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiNodeController : public virtual RCBase<LkCounter<int>> {
 public:
     PiNodeController();
     PiNodeController(const PiNodeController&) = delete;

@@ -6,6 +6,7 @@
 #include <pluginAPI/piGroupNode.h>
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piSnItem.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <pluginAPI/snItem.h>
 
 #include <cstdint>
@@ -17,7 +18,7 @@ using PiNodePredicate = PrdPredicate<RCShdPtr<const PiNode>>;
 using SnItemPredicate = PrdPredicate<RCShdPtr<const SnItem>>;
 
 // True for the given node itself.
-class PiIsNode : public UnaryFunctor<RCShdPtr<const PiNode>, bool> {
+class TS_PLUGIN_API PiIsNode : public UnaryFunctor<RCShdPtr<const PiNode>, bool> {
 public:
     explicit PiIsNode(const RCShdPtr<const PiNode>& node);
     bool operator()(const RCShdPtr<const PiNode>& node) const override;
@@ -29,7 +30,7 @@ private:
 
 // True for a node inside the group: directly inside it, or (recursive) at any
 // depth. The group itself is not inside itself.
-class PiIsNodeInGroupNode : public UnaryFunctor<RCShdPtr<const PiNode>, bool> {
+class TS_PLUGIN_API PiIsNodeInGroupNode : public UnaryFunctor<RCShdPtr<const PiNode>, bool> {
 public:
     explicit PiIsNodeInGroupNode(const RCShdPtr<const PiGroupNode>& group, bool recursive = false);
     bool operator()(const RCShdPtr<const PiNode>& node) const override;
@@ -41,7 +42,7 @@ private:
 };
 
 // True for the input and output nodes of groups (PiBoundaryNode).
-class PiIsBoundaryNode : public UnaryFunctor<RCShdPtr<const PiNode>, bool> {
+class TS_PLUGIN_API PiIsBoundaryNode : public UnaryFunctor<RCShdPtr<const PiNode>, bool> {
 public:
     bool operator()(const RCShdPtr<const PiNode>& node) const override;
     static PiNodePredicate getPredicate();

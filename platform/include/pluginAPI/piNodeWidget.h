@@ -3,12 +3,13 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piWidget.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 // An area of a panel that shows the panel of a node: the stage panel that
 // its name stands for ("tsMatteGen", "tsDegrain", "tsSpillBlend",
 // "tsOtherUi"). The host's implementation, UiNodeWidget, fills it
 // (UiNodeWidget::setContent).
-class PiNodeWidget : public virtual PiWidget {
+class TS_PLUGIN_API PiNodeWidget : public virtual PiWidget {
 public:
     ~PiNodeWidget() override;
 

@@ -3,6 +3,7 @@
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
 #include <base/rcWeakPtr.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 #include <vector>
@@ -13,15 +14,15 @@ class PiNode;
 // to the node, and the node itself (not kept alive by the path).
 class PiPath : public RCBase<LkCounter<int>> {
 public:
-    explicit PiPath(const RCShdPtr<PiNode>& node);
+    TS_PLUGIN_API explicit PiPath(const RCShdPtr<PiNode>& node);
 
     // The node, or empty once it is gone.
-    RCShdPtr<PiNode> getNode() const;
+    TS_PLUGIN_API RCShdPtr<PiNode> getNode() const;
     // The names from the outermost group (the graph's root excluded) to the
     // node itself, as they were when the path was made.
     const std::vector<LiString>& getNames() const { return _names; }
     // "/group/node".
-    LiString toString() const;
+    TS_PLUGIN_API LiString toString() const;
 
 private:
     RCWeakPtr<PiNode> _node;

@@ -5,6 +5,7 @@
 #include <base/typeName.h>
 #include <pluginAPI/piGraphObject.h>
 #include <pluginAPI/piNode.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <pluginAPI/snItem.h>
 
 // A selection item that refers to a graph object (a node, usually). The item
@@ -39,7 +40,7 @@ private:
     RCShdPtr<T> _object;
 };
 
-class PiSnItemUtil {
+class TS_PLUGIN_API PiSnItemUtil {
 public:
     // The selection item of a node (ExNullPtr for a null node).
     static RCShdPtr<const SnItem> create(const RCShdPtr<PiNode>& node);

@@ -2,12 +2,13 @@
 
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 class PiGroupNode;
 
 // Names of inputs (sockets) for people.
-class PiSocketUtil {
+class TS_PLUGIN_API PiSocketUtil {
 public:
     // The input's name with up to `depth` parts of its place in the graph,
     // joined by `separator` ("." when null): depth 1 is the socket name alone

@@ -5,6 +5,7 @@
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piPath.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <pluginAPI/tmTimeClient.h>
 
 #include <memory>
@@ -14,7 +15,7 @@
 // gone (or without one) the time is frame 0.
 class PiTimePath : public RCBase<LkCounter<int>> {
 public:
-    PiTimePath(const TmTimeClient* client, const RCShdPtr<const PiPath>& path);
+    TS_PLUGIN_API PiTimePath(const TmTimeClient* client, const RCShdPtr<const PiPath>& path);
 
     double getTime() const {
         const TmTimeClient* client = _client ? *_client : nullptr;
@@ -25,8 +26,8 @@ public:
     const RCShdPtr<const PiPath>& getPath() const { return _path; }
 
     // Time-changed handlers of the client (nothing happens without a client).
-    void addTimeChangedCb(CbHandler<CbEmptyType>* handler) const;
-    void removeTimeChangedCb(CbHandler<CbEmptyType>* handler) const;
+    TS_PLUGIN_API void addTimeChangedCb(CbHandler<CbEmptyType>* handler) const;
+    TS_PLUGIN_API void removeTimeChangedCb(CbHandler<CbEmptyType>* handler) const;
 
 private:
     std::shared_ptr<const TmTimeClient*> _client;

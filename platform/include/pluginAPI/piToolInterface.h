@@ -4,11 +4,12 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piInputPolicy.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 // What a node offers to the tools that edit it: the policy of each input
 // (its range, for the slider bars that map onto it). Implemented by node
 // controllers next to their own interfaces.
-class PiToolInterface : public virtual RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiToolInterface : public virtual RCBase<LkCounter<int>> {
 public:
     ~PiToolInterface() override;
 

@@ -2,6 +2,7 @@
 
 #include <base/coRgbColorTyped.h>
 #include <pluginAPI/piImage.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 #include <cstddef>
@@ -12,7 +13,7 @@
 
 // A reference from one node's input to another node, by the node's identity
 // (PiGraphObject::getId). Identity 0 refers to no node.
-struct PiNodeRef {
+struct TS_PLUGIN_API PiNodeRef {
     std::uint64_t id = 0;
 
     bool isNone() const { return id == 0; }
@@ -76,7 +77,7 @@ struct PiValueTypeOf<PiNodeRefList> {
 };
 
 // Operations on values shared by inputs, the command stack and setups.
-class PiValueUtil {
+class TS_PLUGIN_API PiValueUtil {
 public:
     static PiValueType getType(const PiValue& v) { return static_cast<PiValueType>(v.index()); }
     // "double", "int", "bool", "rgb", "strings", "image", "node", "nodes".

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piImage.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <memory>
 #include <string>
@@ -9,7 +10,7 @@
 // Renders the views of one node for one viewer, keeping what it made last so
 // that a redraw with nothing changed costs nothing. Made by the node's
 // PiViewRenderInterface; it holds the node for as long as it lives.
-class PiViewRenderer {
+class TS_PLUGIN_API PiViewRenderer {
 public:
     PiViewRenderer() = default;
     PiViewRenderer(const PiViewRenderer&) = delete;
@@ -27,7 +28,7 @@ public:
 // several views (the keyer: its source, matte, status, foreground and
 // composite). The viewer asks here for the images it paints; without it, the
 // viewer paints the image input of the node's PiImageModifier.
-class PiViewRenderInterface {
+class TS_PLUGIN_API PiViewRenderInterface {
 public:
     PiViewRenderInterface() = default;
     PiViewRenderInterface(const PiViewRenderInterface&) = delete;

@@ -2,6 +2,7 @@
 
 #include <base/gePoint2.h>
 #include <base/rcShdPtr.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <string>
 
@@ -16,7 +17,7 @@ class TmTimeClient;
 // the pointer and the keyboard and hands them to its current event handler.
 // The host's viewer widget implements it; tests implement it without a
 // window.
-class PiViewer {
+class TS_PLUGIN_API PiViewer {
 public:
     PiViewer() = default;
     PiViewer(const PiViewer&) = delete;

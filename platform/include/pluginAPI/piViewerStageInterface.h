@@ -2,6 +2,7 @@
 
 #include <base/rcShdPtr.h>
 #include <base/rcStrongPtr.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <string>
 #include <vector>
@@ -16,7 +17,7 @@ class PiViewer;
 // "matte", "degrain", "spill"). The viewer shows one stage at a time; it asks
 // here for the stage's handler, and which stage owns a tool that is asked for
 // by name.
-class PiViewerStageInterface {
+class TS_PLUGIN_API PiViewerStageInterface {
 public:
     PiViewerStageInterface() = default;
     PiViewerStageInterface(const PiViewerStageInterface&) = delete;

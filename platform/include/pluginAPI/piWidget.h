@@ -7,6 +7,7 @@
 #include <base/rcExUtil.h>
 #include <base/rcShdPtr.h>
 #include <base/typeName.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 #include <map>
@@ -32,7 +33,7 @@
 // plug-ins call ("without notification") fire none. The host contains what a
 // handler throws (reported, an open undo step closed) and runs the
 // application's requests after the outermost callback.
-class PiWidget : public virtual RCBase<LkCounter<int>> {
+class TS_PLUGIN_API PiWidget : public virtual RCBase<LkCounter<int>> {
 public:
     // The callback kinds. The numbers are the host's and stay as they are.
     enum EventKind : int {

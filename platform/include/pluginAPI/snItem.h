@@ -1,11 +1,12 @@
 #pragma once
 
 #include <base/rcBase.h>
+#include <pluginAPI/pluginAPIExport.h>
 #include <resmgt/liString.h>
 
 // An item of a selection (SnSelection): something the user selected. Items
 // of one selection are distinct by isSame.
-class SnItem : public RCBase<LkCounter<int>> {
+class TS_PLUGIN_API SnItem : public RCBase<LkCounter<int>> {
 public:
     ~SnItem() override;
 

@@ -2,6 +2,7 @@
 
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
+#include <pluginAPI/pluginAPIExport.h>
 
 #include <memory>
 
@@ -9,7 +10,7 @@
 // allowed (viewers are time clients). Changing the time calls the
 // time-changed handlers. Time paths refer to a client without owning it and
 // see it go (PiTimePath).
-class TmTimeClient {
+class TS_PLUGIN_API TmTimeClient {
 public:
     explicit TmTimeClient(double time = 0.0);
     TmTimeClient(const TmTimeClient&) = delete;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <resmgt/liString.h>
+#include <resmgt/resmgtExport.h>
 
 #include <vector>
 
@@ -11,7 +12,7 @@
 //      (separated by ':');
 //   3. in the directories added with addDirectory (the host adds the
 //      directory of each loaded module: resources are installed next to it).
-class LiResourcePath {
+class TS_RESMGT_API LiResourcePath {
 public:
     static void addDirectory(const LiString& directory);
     static std::vector<LiString> getDirectories();

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <resmgt/liString.h>
+#include <resmgt/resmgtExport.h>
 
-class LiStringUtil {
+class TS_RESMGT_API LiStringUtil {
 public:
     // The decimal text of a number ("-12").
     static LiString convertNb(int number);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <resmgt/liString.h>
+#include <resmgt/resmgtExport.h>
 
 #include <map>
 #include <optional>
@@ -11,7 +12,7 @@
 // letters, digits and underscores and the text is double-quoted with the
 // escapes \" \\ and \n. Blank lines and lines whose first non-blank character
 // is '#' are ignored.
-class MsgCatalogue {
+class TS_RESMGT_API MsgCatalogue {
 public:
     struct Error {
         std::string file;

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <resmgt/resmgtExport.h>
+
 // Holds a message catalogue open for as long as it lives: subscriptions
 // registered meanwhile resolve their texts from it. The file is found through
 // LiResourcePath; a missing or malformed file is reported (once per file) and
 // does not throw.
-class MsgFileGuard {
+class TS_RESMGT_API MsgFileGuard {
 public:
     explicit MsgFileGuard(const char* file);
     ~MsgFileGuard();

@@ -2,6 +2,7 @@
 
 #include <resmgt/msgCatalogue.h>
 #include <resmgt/msgSubscription.h>
+#include <resmgt/resmgtExport.h>
 
 #include <memory>
 #include <set>
@@ -10,7 +11,7 @@
 
 // The host's message server: the stack of open catalogues and the registered
 // subscriptions.
-class MsgServer {
+class TS_RESMGT_API MsgServer {
 public:
     static MsgServer& getInstance();
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <resmgt/liString.h>
+#include <resmgt/resmgtExport.h>
 
 #include <string>
 
@@ -8,7 +9,7 @@
 // MsgFileGuard holds the catalogue open: registration resolves its text. An
 // unregistered subscription, or one whose id the catalogue lacks, answers its
 // id as text, so a label is never empty.
-class MsgSubscription {
+class TS_RESMGT_API MsgSubscription {
 public:
     explicit MsgSubscription(const char* id);
     ~MsgSubscription();

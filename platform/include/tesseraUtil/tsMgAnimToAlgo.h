@@ -1,10 +1,12 @@
 #pragma once
 
+#include <tesseraUtil/tesseraUtilExport.h>
+
 // Panel values of the matte parameters (all in [0, 1]) turned into the
 // quantities of the matte generator, measured in the softness space of
 // TsMgUtils (where the key colour is 1 away from neutral on axis 1).
 // Out-of-range values are clamped to [0, 1] first; a NaN counts as 0.
-class TsMgAnimToAlgo {
+class TS_UTIL_API TsMgAnimToAlgo {
 public:
     static constexpr float MaxIntrusion = 0.6f;
     static constexpr float MinEdgeWidth = 0.1f;

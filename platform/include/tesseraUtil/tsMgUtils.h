@@ -2,6 +2,7 @@
 
 #include <base/coAffineMatrixTyped.h>
 #include <base/coRgbColorTyped.h>
+#include <tesseraUtil/tesseraUtilExport.h>
 
 // The matte generator's colour geometry: the softness space of a key colour.
 //
@@ -34,7 +35,7 @@
 // unset one) is given chroma MinChroma, along u if it has any and along the
 // green direction (-1, 2, -1) / sqrt(6) if it has none; the matrix stays
 // regular and finite. Non-finite key components count as 0.
-class TsMgUtils {
+class TS_UTIL_API TsMgUtils {
 public:
     static constexpr float MinChroma = 1.0f / 1024.0f;
 

@@ -5,6 +5,7 @@
 #include <base/coRgbaColorTyped.h>
 #include <base/list.h>
 #include <base/vector.h>
+#include <tesseraUtil/tesseraUtilExport.h>
 
 // Colour boxes fitted to picked colours.
 //
@@ -20,7 +21,7 @@
 // mapped back through B's inverse, are not a number (computeInverse), and
 // computeMinimalBoxMatrix skips them: a pick that adds to a singular box
 // fits the picked colours alone, as a pick on no box does.
-class TsUtils {
+class TS_UTIL_API TsUtils {
 public:
     // The smallest half-extent of a fitted box, in colour units. A pick of one
     // flat colour has a box of zero size on every axis; it gets this

@@ -12,9 +12,13 @@ PiNodeEvent::ValueChanged::ValueChanged(const RCShdPtr<PiNode>& node,
     : PiNodeEvent(node)
     , _value(value) {}
 
+PiNodeEvent::ValueChanged::~ValueChanged() = default;
+
 PiNodeEvent::NameChanged::NameChanged(const RCShdPtr<PiNode>& node, const LiString& oldName)
     : PiNodeEvent(node)
     , _oldName(oldName) {}
+
+PiNodeEvent::NameChanged::~NameChanged() = default;
 
 PiNodeEvent::NodeMovedFromGroup::NodeMovedFromGroup(const RCShdPtr<PiNode>& node,
                                                     const RCShdPtr<PiGroupNode>& from,
@@ -23,7 +27,11 @@ PiNodeEvent::NodeMovedFromGroup::NodeMovedFromGroup(const RCShdPtr<PiNode>& node
     , _from(from)
     , _to(to) {}
 
+PiNodeEvent::NodeMovedFromGroup::~NodeMovedFromGroup() = default;
+
 PiNodeEvent::NodeRemovedFromGroup::NodeRemovedFromGroup(const RCShdPtr<PiNode>& node,
                                                         const RCShdPtr<PiGroupNode>& group)
     : PiNodeEvent(node)
     , _group(group) {}
+
+PiNodeEvent::NodeRemovedFromGroup::~NodeRemovedFromGroup() = default;
