@@ -4,13 +4,14 @@
 #include <base/geAffineMatrix3.h>
 #include <base/geRectangle.h>
 #include <base/rcBase.h>
+#include <gfx/gfxExport.h>
 
 class VwPainter;
 
 // A shape that a manipulator object (MfManipObject) shows and is hit by, in
 // the manipulator's local coordinates. An appearance that is not drawable is
 // still hit: it gives an invisible manipulator its extent.
-class MfAppearance : public RCBase<LkCounter<int>> {
+class TS_GFX_API MfAppearance : public RCBase<LkCounter<int>> {
 public:
     ~MfAppearance() override;
 
@@ -31,7 +32,7 @@ private:
 
 // A rectangle, outlined and/or filled. Hit anywhere inside when filled, on its
 // outline when only outlined.
-class MfRectAppearance : public MfAppearance {
+class TS_GFX_API MfRectAppearance : public MfAppearance {
 public:
     MfRectAppearance(bool outlined, bool filled);
 

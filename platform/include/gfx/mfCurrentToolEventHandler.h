@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/cbMethod.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfToolset.h>
 #include <gfx/wsCursor.h>
 #include <pluginAPI/piCurrentToolEventHandler.h>
@@ -13,7 +14,7 @@
 // hotkeys, and hands the rest to this class). A subclass that overrides it
 // writes `using MfCurrentToolEventHandler::handleEvent;` so that the const
 // form of PiEventHandler stays visible.
-class MfCurrentToolEventHandler : public PiCurrentToolEventHandler {
+class TS_GFX_API MfCurrentToolEventHandler : public PiCurrentToolEventHandler {
 public:
     // The handler works for the tool set's viewer.
     explicit MfCurrentToolEventHandler(const RCShdPtr<MfToolset>& toolset);

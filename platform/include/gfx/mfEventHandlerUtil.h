@@ -2,6 +2,7 @@
 
 #include <base/geRectangle.h>
 #include <base/rcShdPtr.h>
+#include <gfx/gfxExport.h>
 #include <gfx/wsCursor.h>
 
 class PiEventHandler;
@@ -9,7 +10,7 @@ class PiEventContext;
 class VwView;
 
 // How the host drives a viewer's event handler, whatever its kind.
-class MfEventHandlerUtil {
+class TS_GFX_API MfEventHandlerUtil {
 public:
     // The event to the handler: the overridable handleEvent of an
     // MfCurrentToolEventHandler, PiEventHandler::handleEvent otherwise.

@@ -3,10 +3,11 @@
 #include <base/evEvent.h>
 #include <base/evKeyCode.h>
 #include <base/prdPredicate.h>
+#include <gfx/gfxExport.h>
 
 // The leaf tests of viewer event predicates. Each call makes a new predicate;
 // combine them with !, && and ||.
-class MfEventPredicates {
+class TS_GFX_API MfEventPredicates {
 public:
     // A pointer button press of the left button.
     static PrdPredicate<EvEvent> isPointerDownButtonLeft();

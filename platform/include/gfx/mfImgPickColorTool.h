@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gfx/gfxExport.h>
 #include <gfx/mfImgPickTool.h>
 #include <pluginAPI/piInputRgbColor.h>
 
@@ -11,7 +12,7 @@ class PiViewer;
 // An image-pick tool that writes the mean of the picked colours (red, green
 // and blue, each the plain mean; alpha ignored) into a colour input of a
 // node, at the time of the viewer. A pick of no colour writes nothing.
-class MfImgPickColorTool : public MfImgPickTool {
+class TS_GFX_API MfImgPickColorTool : public MfImgPickTool {
 public:
     // ExNullPtr for a null node or input.
     MfImgPickColorTool(PiImgPick& imgPick, PiViewer& viewer, const RCShdPtr<PiNode>& node,

@@ -2,6 +2,7 @@
 
 #include <base/coRgbaColorTyped.h>
 #include <base/list.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfTool.h>
 #include <pluginAPI/piImgPick.h>
 
@@ -15,7 +16,7 @@
 // Subclasses may add more image-pick manipulators. At the end of each
 // manipulation of one of them, process receives everything it picked, once.
 // The tool's cursor is the registry's "Pick".
-class MfImgPickTool : public MfTool {
+class TS_GFX_API MfImgPickTool : public MfTool {
 public:
     explicit MfImgPickTool(PiImgPick& imgPick);
     ~MfImgPickTool() override;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gfx/gfxExport.h>
 #include <gfx/mfAppearance.h>
 #include <gfx/mfManipulator.h>
 
@@ -7,7 +8,7 @@
 
 // A manipulator made of appearances (MfAppearance): it draws its drawable
 // appearances and is hit by any of them, drawable or not.
-class MfManipObject : public MfManipulator {
+class TS_GFX_API MfManipObject : public MfManipulator {
 public:
     // `pickTolerance`: how near, in window pixels, the pointer must come to an
     // appearance to hit it.

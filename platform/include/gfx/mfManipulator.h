@@ -5,6 +5,7 @@
 #include <base/geAffineMatrix3.h>
 #include <base/prdPredicate.h>
 #include <base/rcShdPtr.h>
+#include <gfx/gfxExport.h>
 #include <gfx/wsCursor.h>
 
 #include <vector>
@@ -37,7 +38,7 @@ class VwView;
 // "a pointer event": a key pressed over a manipulator (Escape, say) is not
 // feedback and goes on to the tool; manipulators whose cursor follows the
 // keyboard (Shift over a pick) set a predicate that takes key events.
-class MfManipulator : public RCBase<LkCounter<int>> {
+class TS_GFX_API MfManipulator : public RCBase<LkCounter<int>> {
 public:
     enum State { Active = 0, Highlighted = 1, Inactive = 2, Hidden = 3 };
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <gfx/gfxExport.h>
 #include <gfx/mfPiImgPickManip.h>
 
 // Picks the rectangle swept by a drag with Ctrl held (its grasp predicates: a
 // left press, Ctrl held). A Ctrl-click that sweeps no pixel centre picks the
 // pixel under the pointer. Draws the rectangle while dragging (a rubber
 // band: light over dark).
-class MfPiImgPickDragManip : public MfPiImgPickManip {
+class TS_GFX_API MfPiImgPickDragManip : public MfPiImgPickManip {
 public:
     explicit MfPiImgPickDragManip(PiImgPick& imgPick);
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <gfx/gfxExport.h>
 #include <gfx/mfPiImgPickManip.h>
 
 // Picks the pixel under the pointer at each event of a click or a drag (its
 // grasp predicate: a left press): the press, each move and a release
 // elsewhere. Points off the image pick nothing. While dragging it draws the
 // trail it sampled: the pixels it took, joined in the order taken.
-class MfPiImgPickListManip : public MfPiImgPickManip {
+class TS_GFX_API MfPiImgPickListManip : public MfPiImgPickManip {
 public:
     explicit MfPiImgPickListManip(PiImgPick& imgPick);
 

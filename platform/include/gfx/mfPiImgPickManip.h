@@ -2,12 +2,13 @@
 
 #include <base/coRgbaColorTyped.h>
 #include <base/list.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfManipulator.h>
 #include <pluginAPI/piImgPick.h>
 
 // The common part of the image-pick manipulators: hit wherever the pointer is
 // over the image of their picker, and collecting what a manipulation picked.
-class MfPiImgPickManip : public MfManipulator {
+class TS_GFX_API MfPiImgPickManip : public MfManipulator {
 public:
     explicit MfPiImgPickManip(PiImgPick& imgPick);
     ~MfPiImgPickManip() override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/geRectangle.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfManipulator.h>
 
 #include <string>
@@ -15,7 +16,7 @@
 // bar's height) and the name, left-aligned inside the bar, each of its words
 // capitalised as the panels write their fields. A bar is a control on the
 // screen: see MfManipulator for its tree's frame.
-class MfRangeManipulator : public MfManipulator {
+class TS_GFX_API MfRangeManipulator : public MfManipulator {
 public:
     // Starts at the middle of the extent.
     MfRangeManipulator(const GeRectangle<float>& rect, const std::string& name);

@@ -2,6 +2,7 @@
 
 #include <base/evEvent.h>
 #include <base/rcShdPtr.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfManipulator.h>
 #include <gfx/wsCursor.h>
 #include <resmgt/liString.h>
@@ -45,7 +46,7 @@ class VwView;
 // If a tool operation throws, the manipulation is abandoned (the
 // manipulator lets go, the step is closed) and the exception goes on to the
 // host, which reports it.
-class MfTool : public RCBase<LkCounter<int>> {
+class TS_GFX_API MfTool : public RCBase<LkCounter<int>> {
 public:
     using Manipulators = std::vector<RCShdPtr<MfManipulator>>;
     using const_iterator = Manipulators::const_iterator;

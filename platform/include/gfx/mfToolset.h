@@ -3,6 +3,7 @@
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
 #include <base/rcShdPtr.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfTool.h>
 
 #include <string>
@@ -15,7 +16,7 @@ class PiViewer;
 // The named tools of a viewer event handler, one of them current. The first
 // tool appended becomes current. Tool-changed callbacks run after every
 // change of the current tool, in registration order.
-class MfToolset : public RCBase<LkCounter<int>> {
+class TS_GFX_API MfToolset : public RCBase<LkCounter<int>> {
 public:
     explicit MfToolset(PiViewer& viewer);
     // A manipulation under way is interrupted (its undo step closed).

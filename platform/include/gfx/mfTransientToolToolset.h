@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/cbMethod.h>
+#include <gfx/gfxExport.h>
 #include <gfx/mfToolset.h>
 
 // A tool set around another that makes two of its tools transient: when one
@@ -18,7 +19,7 @@
 //
 // Every other operation is the wrapped set's; its tool changes are announced
 // to this set's callbacks.
-class MfTransientToolToolset : public MfToolset {
+class TS_GFX_API MfTransientToolToolset : public MfToolset {
 public:
     MfTransientToolToolset(PiViewer& viewer, const RCShdPtr<MfToolset>& toolset,
                            const std::string& transient1, const std::string& transient2);

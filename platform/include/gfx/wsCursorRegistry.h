@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/rcShdPtr.h>
+#include <gfx/gfxExport.h>
 #include <gfx/wsCursor.h>
 #include <resmgt/liString.h>
 
@@ -10,7 +11,7 @@
 // The host's named cursors, one shared object per name. The names below are
 // always there; a plug-in may register more. Asking for an unknown name
 // answers the default cursor and reports the name once.
-class WsCursorRegistry {
+class TS_GFX_API WsCursorRegistry {
 public:
     static const LiString Default;  // the window system's arrow
     static const LiString Pick;     // picking colours from the image (a dropper)

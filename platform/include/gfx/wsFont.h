@@ -1,11 +1,12 @@
 #pragma once
 
 #include <base/rcBase.h>
+#include <gfx/gfxExport.h>
 #include <resmgt/liString.h>
 
 // A font as layout code sees it: how wide a text is, in pixels. The ui
 // library implements it on the window system's font metrics.
-class WsFont : public RCBase<LkCounter<int>> {
+class TS_GFX_API WsFont : public RCBase<LkCounter<int>> {
 public:
     ~WsFont() override;
     // The advance width of the UTF-8 text, in pixels.

@@ -1,10 +1,11 @@
 #pragma once
 
 #include <base/rcShdPtr.h>
+#include <gfx/gfxExport.h>
 #include <gfx/wsFont.h>
 #include <resmgt/liString.h>
 
-class WsFontUtils {
+class TS_GFX_API WsFontUtils {
 public:
     // The text unchanged when it fits in `width` pixels; otherwise the longest
     // beginning of it (cut between UTF-8 characters, trailing blanks dropped)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/vwPainter.h>
+#include <gfx/gfxExport.h>
 
 #include <string>
 #include <vector>
@@ -8,7 +9,7 @@
 // A painter that keeps what it is told as a display list, in window
 // coordinates: the viewer records its handler's drawing into one and paints
 // the list over the plate; tests read it.
-class WsRecordingPainter : public VwPainter {
+class TS_GFX_API WsRecordingPainter : public VwPainter {
 public:
     struct Item {
         enum Kind { Line, Rect, FilledRect, Text };

@@ -1,13 +1,18 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsMgInterface.h>
 #include <tesseraCore/tsStageFactories.h>
 
 // The degrain stage of a keyer node: the degrain box (colours counted as
 // screen grain), its on/off flag, and the key colours it is arranged
 // against. Reached by casting the keyer node's controller.
-class TsDgInterface : public virtual PiNodeController, public TsStageFactories<TsDgInterface> {
+class TS_CORE_API TsDgInterface : public virtual PiNodeController,
+                                  public TsStageFactories<TsDgInterface> {
 public:
+    // Out of line: the interface's type information lives in libZNtesseraCore.
+    ~TsDgInterface() override;
+
     // Element (row 0..2, column 0..3) of the degrain box matrix.
     virtual RCShdPtr<PiInput> getDegrainBoxInput(int row, int column) const = 0;
     // The on/off flag (bool).

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsGroupInterface.h>
 
 // The keyer group of generation 2. Beside what every keyer group offers, its
@@ -15,11 +16,11 @@
 class TsInterface3 : public TsGroupInterface {
 public:
     // As TsInterface's, for generation 2.
-    static void setInstanceDataFactory(InstanceDataFactory factory);
-    static InstanceDataFactory getInstanceDataFactory();
+    TS_CORE_API static void setInstanceDataFactory(InstanceDataFactory factory);
+    TS_CORE_API static InstanceDataFactory getInstanceDataFactory();
     // The factory, or null with a report.
-    static InstanceDataFactory requireInstanceDataFactory();
-    static RCShdPtr<RCBase<LkCounter<int>>>
+    TS_CORE_API static InstanceDataFactory requireInstanceDataFactory();
+    TS_CORE_API static RCShdPtr<RCBase<LkCounter<int>>>
     createInstanceData(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGroupNode>& group,
                        const RCShdPtr<const PiTimePath>& timePath);
 

@@ -3,6 +3,7 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piGroupNode.h>
 #include <pluginAPI/piInput.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerNode.h>
 
 #include <array>
@@ -17,7 +18,7 @@
 // generation 2 keeps all seven in the selected-nodes value, a list of node
 // references (the selected node, then slots 1 to 6), so that its panel,
 // which follows that value, hears of every change of a slot.
-class TsKeyerGroup : public PiGroupNode {
+class TS_CORE_API TsKeyerGroup : public PiGroupNode {
 public:
     // A group holding `keyerNodes` keyer nodes named "keyer1", "keyer2", ...
     static RCShdPtr<TsKeyerGroup> create(const LiString& name, int generation = 1,

@@ -3,6 +3,7 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piNode.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 #include <tesseraCore/tsMgTypes.h>
 #include <tesseraCore/tsTypes.h>
@@ -31,7 +32,7 @@
 // Colour boxes are stored by element: input box_R_C holds element (R, C) of
 // the CoAffineMatrixTyped<float> (storage element 4C + R); the fourth row is
 // always (0, 0, 0, 1).
-class TsKeyerNode : public PiNode {
+class TS_CORE_API TsKeyerNode : public PiNode {
 public:
     static RCShdPtr<TsKeyerNode> create(const LiString& name);
     ~TsKeyerNode() override;

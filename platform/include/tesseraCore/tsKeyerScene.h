@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/io/tsSequenceClip.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerGroup.h>
 #include <tesseraCore/tsKeyerNode.h>
 
@@ -29,7 +30,7 @@
 // changes (an edit, its undo, a setup load) or another colour configuration
 // comes into use (refreshColour). A read that fails then is reported and
 // leaves the image there was.
-class TsKeyerScene {
+class TS_CORE_API TsKeyerScene {
 public:
     enum class Source { Plate, Background };
 

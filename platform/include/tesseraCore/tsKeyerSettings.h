@@ -2,6 +2,7 @@
 
 #include <base/coAffineMatrixTyped.h>
 #include <base/coRgbColorTyped.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <array>
 #include <vector>
@@ -29,7 +30,7 @@
 //   7 "Edge Softness"    width of the soft edge between transparent and
 //                        opaque along axis 1 (TsMgAnimToAlgo::rangeEToOpponent)
 //   8 "Key Blend"        blend between key colour 1 (0) and key colour 2 (1)
-struct TsKeyerSettings {
+struct TS_CORE_API TsKeyerSettings {
     static constexpr int MatteParamCount = 9;
 
     std::array<double, MatteParamCount> matte{0.5, 0.5, 0.5, 0.5, 0.5, 0.5, 0.5, 0.5, 0.0};

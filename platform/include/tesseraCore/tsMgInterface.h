@@ -8,6 +8,7 @@
 #include <pluginAPI/piNodeController.h>
 #include <pluginAPI/piPath.h>
 #include <pluginAPI/piTimePath.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsMgTypes.h>
 #include <tesseraCore/tsStageFactories.h>
 #include <tesseraCore/tsTypes.h>
@@ -28,8 +29,12 @@
 // edit. The inputs of the first patch exist from the start, so a tool can
 // bind to the current patch of a node that has no patch yet; they only take
 // effect once the patch exists.
-class TsMgInterface : public virtual PiNodeController, public TsStageFactories<TsMgInterface> {
+class TS_CORE_API TsMgInterface : public virtual PiNodeController,
+                                  public TsStageFactories<TsMgInterface> {
 public:
+    // Out of line: the interface's type information lives in libZNtesseraCore.
+    ~TsMgInterface() override;
+
     // --- Inputs
     virtual RCShdPtr<PiInput> getMatteParamInput(TsMgTypes::MatteParam p) const = 0;
     virtual RCShdPtr<PiStructuredInput> getKeyColorInput(TsTypes::KeyColor k) const = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsMgTypes.h>
 
 #include <string>
@@ -7,7 +8,7 @@
 // Names of the matte-generation stage: its viewer tools, its parameters and
 // the inputs the panels look up by name. The strings live as long as the
 // library.
-class TsMgTool {
+class TS_CORE_API TsMgTool {
 public:
     // Tool 0 and 1: the key-colour pick tools of key colour 1 and 2
     // ("Pick Key Colour 1", "Pick Key Colour 2"); 2 "Sample Matte";

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
+
 // The matte generator's types.
-class TsMgTypes {
+class TS_CORE_API TsMgTypes {
 public:
     // The nine matte parameters, in order (their meanings: TsKeyerSettings).
     // Iterate from Overall with next() while the value is below

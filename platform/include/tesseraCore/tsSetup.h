@@ -2,6 +2,7 @@
 
 #include <pluginAPI/piNode.h>
 #include <string>
+#include <tesseraCore/tesseraCoreExport.h>
 
 // Keyer setups: a keyer group (its slots, its selected node and all its
 // keyer nodes) or a single keyer node, saved to a text file and loaded back
@@ -45,7 +46,7 @@
 // names follow PiNode::checkName. A load is one undo step ("Load Setup"); inputs the file
 // does not mention go back to their defaults, and keyer nodes of a group
 // setup that the group lacks are added to it.
-class TsSetup {
+class TS_CORE_API TsSetup {
 public:
     // The version written; versions 1 to Version are read.
     static constexpr int Version = 3;

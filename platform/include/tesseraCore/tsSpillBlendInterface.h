@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsMgInterface.h>
 #include <tesseraCore/tsStageFactories.h>
 
@@ -7,9 +8,12 @@
 // with the background, and the spill edge balance. Reached by casting the
 // keyer node's controller. Its six inputs carry PiRangeInputPolicy<double>
 // bounds (all [0, 1]).
-class TsSpillBlendInterface : public virtual PiNodeController,
-                              public TsStageFactories<TsSpillBlendInterface> {
+class TS_CORE_API TsSpillBlendInterface : public virtual PiNodeController,
+                                          public TsStageFactories<TsSpillBlendInterface> {
 public:
+    // Out of line: the interface's type information lives in libZNtesseraCore.
+    ~TsSpillBlendInterface() override;
+
     // Spill: 0 the amount ("spill.amount"), 1 the range ("spill.range").
     virtual RCShdPtr<PiInput> getSpillInput(int index) const = 0;
     // Blend: 0 the amount ("blend.amount"), 1 the width ("blend.width").

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
+
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
 #include <base/rcStrongPtr.h>
@@ -30,15 +32,15 @@ public:
     using UiFactory = RCShdPtr<RCBase<LkCounter<int>>> (*)(Stage&, const RCShdPtr<PiWidget>&,
                                                            const RCShdPtr<const PiTimePath>&);
 
-    static void registerEhFactory(EhFactory factory);
-    static void unregisterEhFactory(EhFactory factory);
-    static void registerUiFactory(UiFactory factory);
-    static void unregisterUiFactory(UiFactory factory);
-    static EhFactory getEhFactory();
-    static UiFactory getUiFactory();
+    TS_CORE_API static void registerEhFactory(EhFactory factory);
+    TS_CORE_API static void unregisterEhFactory(EhFactory factory);
+    TS_CORE_API static void registerUiFactory(UiFactory factory);
+    TS_CORE_API static void unregisterUiFactory(UiFactory factory);
+    TS_CORE_API static EhFactory getEhFactory();
+    TS_CORE_API static UiFactory getUiFactory();
     // The registered factory, or null with a report.
-    static EhFactory requireEhFactory();
-    static UiFactory requireUiFactory();
+    TS_CORE_API static EhFactory requireEhFactory();
+    TS_CORE_API static UiFactory requireUiFactory();
 
     // The viewer handler of the stage for a keyer node: what the registered
     // factory makes; without a factory, empty and a report. The handler is
@@ -54,8 +56,8 @@ public:
     }
     // The stage panel's controller bound to `widget`; without a factory,
     // empty and a report.
-    RCShdPtr<RCBase<LkCounter<int>>> createUi(const RCShdPtr<PiWidget>& widget,
-                                              const RCShdPtr<const PiTimePath>& timePath);
+    TS_CORE_API RCShdPtr<RCBase<LkCounter<int>>>
+    createUi(const RCShdPtr<PiWidget>& widget, const RCShdPtr<const PiTimePath>& timePath);
 
 protected:
     TsStageFactories() = default;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
+
 // Types shared by the keyer's stages.
-class TsTypes {
+class TS_CORE_API TsTypes {
 public:
     // The keyer's two key colours.
     enum KeyColor { KeyColor1 = 0, KeyColor2 = 1 };

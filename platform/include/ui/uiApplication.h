@@ -5,6 +5,7 @@
 #include <base/oPtr.h>
 #include <base/rcShdPtr.h>
 #include <gfx/wsCursor.h>
+#include <ui/uiExport.h>
 
 #include <memory>
 #include <vector>
@@ -25,7 +26,7 @@ class UiMainWindow;
 // - the main window (null until the host sets one).
 // - the keyboard state of the application: the modifiers and keys held now,
 //   as events report them.
-class UiApplication {
+class TS_UI_API UiApplication {
 public:
     static UiApplication& getInstance();
 

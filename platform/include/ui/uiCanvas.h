@@ -2,9 +2,10 @@
 
 #include <base/rcShdPtr.h>
 #include <gfx/wsFont.h>
+#include <ui/uiExport.h>
 
 // What a widget offers to draw into: its size in pixels and its font.
-class UiCanvas {
+class TS_UI_API UiCanvas {
 public:
     UiCanvas(int width, int height, const RCShdPtr<WsFont>& font)
         : _width(width)

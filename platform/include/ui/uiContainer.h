@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piContainer.h>
+#include <ui/uiExport.h>
 #include <ui/uiWidgetAdapter.h>
 
 #include <vector>
@@ -9,7 +10,7 @@ class QWidget;
 
 // A container of the toolkit: any widget that is not one of the other
 // kinds (a panel, a group box, a frame). See PiContainer.
-class UiContainer : public PiContainer, public UiWidgetAdapter {
+class TS_UI_API UiContainer : public PiContainer, public UiWidgetAdapter {
 public:
     explicit UiContainer(QWidget* widget);
 

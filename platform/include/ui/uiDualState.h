@@ -4,6 +4,7 @@
 #include <pluginAPI/piDualState.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 #include <ui/uiWidgetAdapter.h>
 
 #include <memory>
@@ -16,7 +17,7 @@ class UiInputBinding;
 // (bindInput): it shows the input's value at the time path's time and
 // follows it, and a user's change of state writes it (one undo step
 // "Set <input name>", or the toggle's "undoText" property, when undoable).
-class UiDualState : public PiDualState, public UiWidgetAdapter {
+class TS_UI_API UiDualState : public PiDualState, public UiWidgetAdapter {
 public:
     explicit UiDualState(QAbstractButton* button);
     ~UiDualState() override;

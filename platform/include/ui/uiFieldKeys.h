@@ -5,6 +5,7 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 
 #include <QObject>
 
@@ -18,7 +19,7 @@ class QToolButton;
 // half: animated, full: a key here) and sets or deletes the key there. The
 // field's colour tells an animated input from a constant one. Each action is
 // one undo step named after it.
-class UiFieldKeys : public QObject {
+class TS_UI_API UiFieldKeys : public QObject {
 public:
     UiFieldKeys(QAbstractSpinBox* spin, const RCShdPtr<PiInput>& input,
                 const RCShdPtr<const PiTimePath>& timePath);

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <gfx/wsFont.h>
+#include <ui/uiExport.h>
 
 #include <QFont>
 
 // A host font on a window-system font.
-class UiFont : public WsFont {
+class TS_UI_API UiFont : public WsFont {
 public:
     explicit UiFont(const QFont& font)
         : _font(font) {}

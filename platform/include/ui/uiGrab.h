@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ui/uiExport.h>
+
 class EvEvent;
 class UiGrabHandler;
 
@@ -11,7 +13,7 @@ class UiGrabHandler;
 // A grab taken by one handler while another holds it is taken over: the
 // handler that held it receives an EvGrabLostEvent (once per grab it lost).
 // Exceptions out of a handler are contained and reported.
-class UiGrab {
+class TS_UI_API UiGrab {
 public:
     static UiGrab& pointer();
     static UiGrab& keyboard();

@@ -3,6 +3,7 @@
 #include <base/cbHandler.h>
 #include <base/evEvent.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 class UiWidget;
 
@@ -19,7 +20,7 @@ class UiWidget;
 //
 // A handler that is destroyed lets go of the grabs it holds and leaves the
 // hotkey entries it is registered for.
-class UiGrabHandler : public CbHandler<EvEvent> {
+class TS_UI_API UiGrabHandler : public CbHandler<EvEvent> {
 public:
     explicit UiGrabHandler(const LiString& name = LiString());
     ~UiGrabHandler() override;

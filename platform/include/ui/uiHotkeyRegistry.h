@@ -4,6 +4,7 @@
 #include <base/evEvent.h>
 #include <base/evKeyCode.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 #include <memory>
 #include <string>
@@ -30,7 +31,7 @@
 // binding's modifiers are held. Handlers register for an entry; a key
 // press in a widget whose handler is registered for a matching entry is
 // delivered to that handler as an EvHotkeyEvent (UiWidget).
-class UiHotkeyRegistry {
+class TS_UI_API UiHotkeyRegistry {
 public:
     static const LiString TesseraDomain; // "Tessera"
     static const LiString DefaultTable;  // "tessera.hotkeys"

@@ -3,6 +3,7 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 #include <ui/uiInputValueEditor.h>
 #include <ui/uiMenu.h>
 
@@ -13,7 +14,7 @@
 // as one undo step ("Set <input name>", or the menu's "undoText" property)
 // when the flag is Undoable. Binding again replaces the binding; a null
 // input unbinds. The menu holds the input for as long as it is bound.
-class UiInputMenu {
+class TS_UI_API UiInputMenu {
 public:
     using UndoableFlag = UiInputValueEditor::UndoableFlag;
     static constexpr UndoableFlag NotUndoable = UiInputValueEditor::NotUndoable;

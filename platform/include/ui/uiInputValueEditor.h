@@ -5,6 +5,7 @@
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piTimePath.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 #include <ui/uiValueEditor.h>
 
 // Binds value editors (number fields) to number inputs of a node: the field
@@ -17,7 +18,7 @@
 // input's name. Binding again replaces the binding; a null input unbinds.
 // The field holds the input for as long as it is bound, and a field whose
 // window-system widget is gone stays safe to bind and to drop.
-class UiInputValueEditor {
+class TS_UI_API UiInputValueEditor {
 public:
     enum UndoableFlag : int { NotUndoable = 0, Undoable = 1 };
 

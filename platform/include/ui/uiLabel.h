@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piLabel.h>
+#include <ui/uiExport.h>
 #include <ui/uiString.h>
 #include <ui/uiWidgetAdapter.h>
 
@@ -11,7 +12,7 @@ class QLabel;
 // A label of the toolkit. Its text and font (getLabel) and the width of its
 // canvas (getCanvas) are what a plug-in needs to fit a text to it
 // (WsFontUtils::truncateAtTheEnd); Resized fires when its size changes.
-class UiLabel : public PiLabel, public UiWidgetAdapter {
+class TS_UI_API UiLabel : public PiLabel, public UiWidgetAdapter {
 public:
     explicit UiLabel(QLabel* label);
     ~UiLabel() override;

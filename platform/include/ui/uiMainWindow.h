@@ -1,12 +1,13 @@
 #pragma once
 
 #include <base/gePoint2.h>
+#include <ui/uiExport.h>
 
 class QWidget;
 class UiWidget;
 
 // The application's main window as plug-ins see it.
-class UiMainWindow {
+class TS_UI_API UiMainWindow {
 public:
     explicit UiMainWindow(QWidget* window);
     UiMainWindow(const UiMainWindow&) = delete;

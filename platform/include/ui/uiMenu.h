@@ -4,6 +4,7 @@
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piMenu.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 #include <ui/uiWidgetAdapter.h>
 
 #include <memory>
@@ -14,7 +15,7 @@ class UiInputBinding;
 // A menu of the toolkit: a combo box. See PiMenu. A menu can be bound to an
 // integer input (UiInputMenu::setInput): the selected entry is the input's
 // value.
-class UiMenu : public PiMenu, public UiWidgetAdapter {
+class TS_UI_API UiMenu : public PiMenu, public UiWidgetAdapter {
 public:
     explicit UiMenu(QComboBox* combo);
     ~UiMenu() override;

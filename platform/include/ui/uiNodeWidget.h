@@ -5,6 +5,7 @@
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piNodeWidget.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 #include <ui/uiNodeWidgetFactory.h>
 #include <ui/uiWidgetAdapter.h>
 
@@ -31,7 +32,7 @@ class UiNodeWidgetArea;
 // widgets (later, when callbacks of some widget are running).
 //
 // setContent answers an iterator over what it built: one item, or none.
-class UiNodeWidget : public PiNodeWidget, public UiWidgetAdapter {
+class TS_UI_API UiNodeWidget : public PiNodeWidget, public UiWidgetAdapter {
 public:
     using Item = UiNodeWidgetFactory::Item;
 

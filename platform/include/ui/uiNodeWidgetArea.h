@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QWidget>
+#include <ui/uiExport.h>
 
 class UiNodeWidget;
 
@@ -9,7 +10,7 @@ class UiNodeWidget;
 // ("UiNodeWidgetArea", a widget promoted in the designer); its PiWidget is a
 // UiNodeWidget. Destroying it clears its content first, so that the
 // controller goes before the widgets it is bound to.
-class UiNodeWidgetArea : public QWidget {
+class TS_UI_API UiNodeWidgetArea : public QWidget {
 public:
     explicit UiNodeWidgetArea(QWidget* parent = nullptr);
     ~UiNodeWidgetArea() override;

@@ -7,6 +7,7 @@
 #include <pluginAPI/piTimePath.h>
 #include <pluginAPI/piWidget.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 #include <optional>
 #include <vector>
@@ -28,7 +29,7 @@
 // input of that name, undoable: number fields with UiInputValueEditor, menus
 // with UiInputMenu, toggles to flags (UiDualState::bindInput). So a panel
 // without a factory still edits its node.
-class UiNodeWidgetFactory {
+class TS_UI_API UiNodeWidgetFactory {
 public:
     using Factory = RCShdPtr<RCBase<LkCounter<int>>> (*)(
         const RCShdPtr<PiNode>& node, const RCShdPtr<PiWidget>& container,

@@ -4,6 +4,7 @@
 #include <pluginAPI/piContainer.h>
 #include <pluginAPI/piNode.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 #include <ui/uiNodeWidgetArea.h>
 #include <ui/uiNodeWidgetFactory.h>
 
@@ -14,7 +15,7 @@
 // group's main panel) or one stage panel of a node on its own. The panel
 // belongs to the workspace (UiWorkspace) under its name for as long as it
 // lives. Destroying it releases the controller first, then the widgets.
-class UiPanel : public UiNodeWidgetArea {
+class TS_UI_API UiPanel : public UiNodeWidgetArea {
 public:
     explicit UiPanel(const LiString& name, QWidget* parent = nullptr);
     ~UiPanel() override;

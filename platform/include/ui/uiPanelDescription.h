@@ -1,6 +1,7 @@
 #pragma once
 
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 class QWidget;
 
@@ -9,7 +10,7 @@ class QWidget;
 // panel by their object names. Besides the designer's own widgets a
 // description may use the toolkit's promoted widgets UiNodeWidgetArea and
 // UiTrackballWidget.
-class UiPanelDescription {
+class TS_UI_API UiPanelDescription {
 public:
     // Builds the widgets of the description under `parent` and answers the
     // top widget; null when the file cannot be found, read or parsed, with

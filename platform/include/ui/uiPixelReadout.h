@@ -1,13 +1,14 @@
 #pragma once
 
 #include <base/coRgbaColorTyped.h>
+#include <ui/uiExport.h>
 
 #include <string>
 
 // What lies under the pointer in a viewer, for a status line: the plate
 // pixel, the plate's RGBA there (scene-linear, as picks read it) and the
 // matte's value (the node's "matte" view, when it has one).
-struct UiPixelReadout {
+struct TS_UI_API UiPixelReadout {
     bool overImage = false; // the point lies over the plate
     int x = 0;              // the plate pixel: x right, y up from the lower left
     int y = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ui/uiExport.h>
 #include <ui/uiWidgetAdapter.h>
 
 #include <memory>
@@ -8,7 +9,7 @@ class QAbstractButton;
 
 // A push button of the toolkit: a plain PiWidget that fires Activated when
 // the user clicks it.
-class UiPushButton : public UiWidgetAdapter {
+class TS_UI_API UiPushButton : public UiWidgetAdapter {
 public:
     explicit UiPushButton(QAbstractButton* button);
     ~UiPushButton() override;

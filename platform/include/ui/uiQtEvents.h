@@ -5,13 +5,14 @@
 
 #include <base/evEvent.h>
 #include <base/evKeyCode.h>
+#include <ui/uiExport.h>
 
 #include <QMouseEvent>
 #include <Qt>
 
 #include <memory>
 
-class UiQtEvents {
+class TS_UI_API UiQtEvents {
 public:
     // KeyNone for a key the host does not name.
     static EvKeyCode::KeyCode toKeyCode(int qtKey);

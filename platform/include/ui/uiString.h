@@ -3,9 +3,10 @@
 #include <base/rcShdPtr.h>
 #include <gfx/wsFont.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 // A text as a widget shows it: the text and the font it is drawn in.
-class UiString {
+class TS_UI_API UiString {
 public:
     UiString(const LiString& text, const RCShdPtr<WsFont>& font)
         : _text(text)

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <pluginAPI/piTrackball.h>
+#include <ui/uiExport.h>
 #include <ui/uiWidgetAdapter.h>
 
 class UiTrackballWidget;
 
 // A trackball of the toolkit. See PiTrackball.
-class UiTrackball : public PiTrackball, public UiWidgetAdapter {
+class TS_UI_API UiTrackball : public PiTrackball, public UiWidgetAdapter {
 public:
     explicit UiTrackball(UiTrackballWidget* widget);
 

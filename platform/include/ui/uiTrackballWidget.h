@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/rcShdPtr.h>
+#include <ui/uiExport.h>
 
 #include <QWidget>
 
@@ -9,7 +10,7 @@ class UiTrackball;
 // The window-system widget of a trackball: a disc that the user drags with
 // the left button. Panel descriptions name its class ("UiTrackballWidget",
 // a widget promoted in the designer); its PiWidget is a UiTrackball.
-class UiTrackballWidget : public QWidget {
+class TS_UI_API UiTrackballWidget : public QWidget {
 public:
     explicit UiTrackballWidget(QWidget* parent = nullptr);
 

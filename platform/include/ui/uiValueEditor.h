@@ -3,6 +3,7 @@
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piInput.h>
 #include <pluginAPI/piTimePath.h>
+#include <ui/uiExport.h>
 #include <ui/uiFieldKeys.h>
 #include <ui/uiWidgetAdapter.h>
 
@@ -16,7 +17,7 @@ class UiInputBinding;
 // A number field of the toolkit: a spin box of decimals or of integers.
 // A user's edit (committed: arrows, Return, leaving the field) fires
 // Activated; a bound input (UiInputValueEditor::setInput) takes the value.
-class UiValueEditor : public UiWidgetAdapter {
+class TS_UI_API UiValueEditor : public UiWidgetAdapter {
 public:
     explicit UiValueEditor(QAbstractSpinBox* spin);
     ~UiValueEditor() override;

@@ -11,6 +11,7 @@
 #include <pluginAPI/piViewRenderer.h>
 #include <pluginAPI/piViewer.h>
 #include <pluginAPI/tmTimeClient.h>
+#include <ui/uiExport.h>
 #include <ui/uiGrabHandler.h>
 #include <ui/uiPixelReadout.h>
 #include <ui/uiViewerDisplay.h>
@@ -76,7 +77,7 @@
 // none. Someone else taking the grab then (a panel's screen pick) would
 // catch the release, so the handler is told the grab is lost: the drag under
 // way ends there, its undo step closed.
-class UiViewer : public QWidget, public PiViewer, public UiWidget, public VpDrawArea {
+class TS_UI_API UiViewer : public QWidget, public PiViewer, public UiWidget, public VpDrawArea {
 public:
     explicit UiViewer(QWidget* parent = nullptr, const LiString& name = "viewer");
     ~UiViewer() override;

@@ -2,6 +2,7 @@
 
 #include <base/coRgbaColorTyped.h>
 #include <pluginAPI/piImage.h>
+#include <ui/uiExport.h>
 
 #include <QImage>
 
@@ -21,7 +22,7 @@ class QRectF;
 // The backdrop fills the image's extent under the image: the viewer's own
 // dark grey (none), a checkerboard of 8-pixel squares fixed to the window, or
 // a solid colour given in display values (0 to 1, shown as they are).
-class UiViewerDisplay {
+class TS_UI_API UiViewerDisplay {
 public:
     enum class Channel { Rgb, Red, Green, Blue, Alpha };
     enum class Backdrop { None, Checker, Colour };

@@ -2,6 +2,7 @@
 
 #include <base/evKeyCode.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 #include <vector>
 
@@ -9,7 +10,7 @@
 // unused. Their bindings are the entries of the hotkey table's "Viewer"
 // domain (UiHotkeyRegistry), so that the application's menus show the very
 // keys the viewer takes.
-class UiViewerKeys {
+class TS_UI_API UiViewerKeys {
 public:
     static const LiString Domain; // "Viewer"
 

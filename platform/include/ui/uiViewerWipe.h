@@ -2,6 +2,7 @@
 
 #include <base/gePoint2.h>
 #include <base/geRectangle.h>
+#include <ui/uiExport.h>
 
 #include <string>
 
@@ -12,7 +13,7 @@ class VwView;
 // right of it its current view (B), so that the artist compares them in one
 // viewer. The line is dragged with the left button anywhere within a few
 // pixels of it; the drag is the viewer's own and never reaches the tools.
-class UiViewerWipe {
+class TS_UI_API UiViewerWipe {
 public:
     // How near the line (window pixels) a press takes it.
     static constexpr float GraspDistance = 5.0f;

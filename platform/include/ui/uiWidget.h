@@ -3,6 +3,7 @@
 #include <base/evEvent.h>
 #include <resmgt/liString.h>
 #include <ui/uiCanvas.h>
+#include <ui/uiExport.h>
 #include <ui/uiGrabHandler.h>
 
 #include <memory>
@@ -20,7 +21,7 @@ class QWidget;
 //
 // A UiWidget is either the QWidget itself (a class deriving from both) or an
 // object that the QWidget owns; either way it goes when the QWidget goes.
-class UiWidget {
+class TS_UI_API UiWidget {
 public:
     explicit UiWidget(QWidget* widget, const LiString& name = LiString());
     UiWidget(const UiWidget&) = delete;

@@ -4,6 +4,7 @@
 #include <base/evKeyboardState.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piWidget.h>
+#include <ui/uiExport.h>
 #include <ui/uiWidget.h>
 
 class QWidget;
@@ -19,7 +20,7 @@ class QWidget;
 // hold it longer. Once the widget is gone the adapter is inert: exists()
 // answers false, it fires nothing, its setters do nothing, its queries
 // answer empty values and its canvas is empty.
-class UiWidgetAdapter : public virtual PiWidget, public UiWidget {
+class TS_UI_API UiWidgetAdapter : public virtual PiWidget, public UiWidget {
 public:
     ~UiWidgetAdapter() override;
 

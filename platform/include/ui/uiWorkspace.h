@@ -3,6 +3,7 @@
 #include <base/cbDispatcher.h>
 #include <base/cbEmptyType.h>
 #include <resmgt/liString.h>
+#include <ui/uiExport.h>
 
 #include <vector>
 
@@ -14,7 +15,7 @@ class UiPanel;
 // suspends it while it loads a setup or replaces its panels), containers
 // answer no to the activity query (PiContainer::isActive), so panels leave
 // alone the changes they would otherwise take for the user's.
-class UiWorkspace {
+class TS_UI_API UiWorkspace {
 public:
     static UiWorkspace& getInstance();
 
@@ -50,7 +51,7 @@ private:
 };
 
 // Suspends the workspace for as long as it lives.
-class UiWorkspaceSuspension {
+class TS_UI_API UiWorkspaceSuspension {
 public:
     UiWorkspaceSuspension() { UiWorkspace::getInstance().suspend(); }
     UiWorkspaceSuspension(const UiWorkspaceSuspension&) = delete;

@@ -103,6 +103,10 @@ TsStageFactories<Stage>::createUi(const RCShdPtr<PiWidget>& widget,
     return RCShdPtr<RCBase<LkCounter<int>>>();
 }
 
+TsMgInterface::~TsMgInterface() = default;
+TsDgInterface::~TsDgInterface() = default;
+TsSpillBlendInterface::~TsSpillBlendInterface() = default;
+
 template class TsStageFactories<TsMgInterface>;
 template class TsStageFactories<TsDgInterface>;
 template class TsStageFactories<TsSpillBlendInterface>;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piImage.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -24,7 +25,7 @@
 // role; every answer gives the space's own name. A name the configuration
 // does not hold is an error that names the configuration file and the name
 // and lists the spaces there are.
-class TsColour {
+class TS_CORE_API TsColour {
 public:
     // --- the configuration
     // Reads and checks the configuration at `path` and makes it the one in

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piDisplayTransform.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <cstdint>
 #include <memory>
@@ -15,7 +16,7 @@
 // It starts on the configuration's default display and view. When another
 // configuration comes into use and lacks the display or the view, the
 // transform falls back to that configuration's default display and view.
-class TsDisplayTransform : public PiDisplayTransform {
+class TS_CORE_API TsDisplayTransform : public PiDisplayTransform {
 public:
     TsDisplayTransform();
     ~TsDisplayTransform() override;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/coRgbColorTyped.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 // The orthographic camera of the colour-space view. Colours are points of
 // (r, g, b) space. The camera turns about the grey axis (1, 1, 1): the grey
@@ -8,7 +9,7 @@
 // of grey, 90 from the green-minus-blue side; elevation 90 looks down the
 // grey axis from white. `centre` shows at the middle of the picture, offset
 // by `panX`, `panY` pixels, `scale` pixels to one unit of colour.
-struct TsCsCamera {
+struct TS_CORE_API TsCsCamera {
     double azimuth = 30.0;   // degrees
     double elevation = 20.0; // degrees
     CoRgbColorTyped<float> centre{0.5f, 0.5f, 0.5f};
@@ -28,7 +29,7 @@ struct TsCsCamera {
 
 // A camera's projection, computed once for many points: picture x right and
 // y down in pixels, depth towards the viewer (larger is nearer).
-class TsCsProjection {
+class TS_CORE_API TsCsProjection {
 public:
     struct Point {
         float x, y, depth;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/colourspace/tsCsCamera.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <base/coRgbColorTyped.h>
 #include <pluginAPI/piImage.h>
@@ -14,7 +15,7 @@ class TsCsMatte;
 // pixel each way, the step the smallest that keeps to the point budget, so
 // the view costs the same on any plate. Pixels that are not finite are left
 // out. Each point keeps the plate pixel it came from and its matte.
-class TsCsCloud {
+class TS_CORE_API TsCsCloud {
 public:
     static constexpr int DefaultBudget = 65536;
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 #include <base/coRgbColorTyped.h>
@@ -11,7 +12,7 @@ class TsMatteStage;
 // The matte of single colours, as the colour-space view shows it: the one
 // place where the view asks the keyer's matte model, so that a new model
 // changes this file and nothing else of the view.
-class TsCsMatte {
+class TS_CORE_API TsCsMatte {
 public:
     explicit TsCsMatte(const TsKeyerSettings& settings);
     ~TsCsMatte();

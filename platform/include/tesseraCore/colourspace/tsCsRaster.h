@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/colourspace/tsCsCamera.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <cstdint>
 #include <vector>
@@ -11,7 +12,7 @@ class TsCsCloud;
 // nearer points over farther ones: squares of `pointSize` pixels in the
 // point's own colour (scene-linear, shown with the sRGB curve) or its matte
 // (blue transparent to white opaque).
-class TsCsRaster {
+class TS_CORE_API TsCsRaster {
 public:
     enum class Colouring { Own, Matte };
     struct Style {

@@ -2,6 +2,7 @@
 
 #include <base/coAffineMatrixTyped.h>
 #include <base/coRgbColorTyped.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <array>
 #include <vector>
@@ -19,7 +20,7 @@ struct TsKeyerSettings;
 // (r, g, b). The slice is the plane through the key colour spanned by the two
 // axes other than `sliceNormal`; the matte is sampled on a grid over it (as
 // far as the box [lo, hi] reaches) and its level lines traced there.
-struct TsCsScene {
+struct TS_CORE_API TsCsScene {
     using Colour = CoRgbColorTyped<float>;
 
     // The levels drawn: just above 0, 0.5, just below 1.

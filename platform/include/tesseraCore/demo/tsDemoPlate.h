@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 #include <base/coRgbColorTyped.h>
@@ -17,7 +18,7 @@
 // alpha 1 and 0. The hair is a region of its own across them: the edge band
 // of fine detail (hair, fur, filaments, lattice bars), every pixel within
 // EdgeBandRadius of one that fine detail covers in part.
-struct TsMatteScore {
+struct TS_CORE_API TsMatteScore {
     static constexpr int EdgeBandRadius = 2;
 
     double inside = 0.0;
@@ -53,7 +54,7 @@ struct TsMatteScore {
 //   lattice     a light see-through lattice and a semi-transparent white veil
 //   stem        a yellow-green stem and leaves, near the screen's hue, with a
 //               seed head of fine white filaments
-class TsDemoPlate {
+class TS_CORE_API TsDemoPlate {
 public:
     enum class Subject { Portrait, DarkHair, LightHair, Fur, Lattice, Stem };
 

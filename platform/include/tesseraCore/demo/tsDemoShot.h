@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/demo/tsDemoPlate.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <pluginAPI/piClip.h>
 
@@ -15,7 +16,7 @@
 // (N = 0) is the one plate at every frame. Frames are made when asked for and
 // the last few kept; the same options give the same frames, bit for bit, in
 // any order. Frame 1 of a shot is the still of the same options.
-class TsDemoShot : public PiClip {
+class TS_CORE_API TsDemoShot : public PiClip {
 public:
     TsDemoShot(const TsDemoPlate::Options& options, int frames);
     // The still of a plate already made.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 // The composite of the despilled foreground over the background, with the
@@ -19,7 +20,7 @@
 // Without a background input the composite is taken over a checkerboard of
 // CheckerSize-pixel squares (plate pixels) of CheckerDark and CheckerLight
 // grey, the square at the plate's lower-left corner dark.
-class TsBlendStage {
+class TS_CORE_API TsBlendStage {
 public:
     static constexpr int CheckerSize = 16;
     static constexpr float CheckerDark = 0.1f;

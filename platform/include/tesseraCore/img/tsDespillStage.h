@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/img/tsPixelMath.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 #include <base/coAffineMatrixTyped.h>
@@ -37,7 +38,7 @@
 // taken out (TsKeyerPass), and the distance D is that of the pixel as the
 // plate has it, in the key colour's light: spill is recognised where the
 // pixel is close to the screen, on the subject's soft edges and fine detail.
-class TsDespillStage {
+class TS_CORE_API TsDespillStage {
 public:
     explicit TsDespillStage(const TsKeyerSettings& settings);
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/img/tsScreenEstimate.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 #include <pluginAPI/piImage.h>
@@ -60,7 +61,7 @@ enum class TsViewMode {
 //
 // Setting the plate, the background or the settings is not thread-safe with
 // rendering; the renders themselves may run on any thread.
-class TsKeyerPass {
+class TS_CORE_API TsKeyerPass {
 public:
     static constexpr float FlatSpread = 4.5f;
     static constexpr float CleanShare = 0.6f;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/img/tsPixelMath.h>
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 #include <base/coAffineMatrixTyped.h>
@@ -91,7 +92,7 @@
 // the way their sides say.
 //
 // A NaN component gives alpha 0 (every comparison with it fails).
-class TsMatteStage {
+class TS_CORE_API TsMatteStage {
 public:
     explicit TsMatteStage(const TsKeyerSettings& settings);
 

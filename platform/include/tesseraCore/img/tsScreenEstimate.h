@@ -1,5 +1,6 @@
 #pragma once
 
+#include <tesseraCore/tesseraCoreExport.h>
 #include <tesseraCore/tsKeyerSettings.h>
 
 #include <base/coRgbColorTyped.h>
@@ -48,7 +49,7 @@
 //
 // The same plate and settings give the same estimate, whatever the number of
 // threads.
-class TsScreenEstimate {
+class TS_CORE_API TsScreenEstimate {
 public:
     static constexpr int CellsDown = 24;
     static constexpr int Samples = 8; // pixels looked at per cell, each way (at most)

@@ -2,6 +2,7 @@
 
 #include <pluginAPI/piClip.h>
 #include <pluginAPI/piImage.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <atomic>
 #include <cstdint>
@@ -14,7 +15,7 @@
 // afresh for a batch render, which must not fill the cache. A time outside
 // the range shows the nearest frame of it (the first before, the last
 // after).
-class TsClip : public PiClip {
+class TS_CORE_API TsClip : public PiClip {
 public:
     ~TsClip() override;
 

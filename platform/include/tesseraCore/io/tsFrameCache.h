@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piImage.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <condition_variable>
 #include <cstddef>
@@ -27,7 +28,7 @@
 //
 // The budget: $TESSERA_FRAME_CACHE_MB megabytes when set, else 2048 MB (about
 // 15 UHD frames of float RGBA, 60 HD frames). Safe to use from any thread.
-class TsFrameCache {
+class TS_CORE_API TsFrameCache {
 public:
     using Loader = std::function<PiImagePtr(int frame, std::string& error)>;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piImage.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <cstdint>
 #include <string>
@@ -49,7 +50,7 @@
 //   write checked, and replace the target only once all of them are on the
 //   disk. A full disk is an error naming the file and the reason ("No space
 //   left on device") and leaves an earlier file as it was.
-class TsPlateIO {
+class TS_CORE_API TsPlateIO {
 public:
     // `used`, when given, receives the space the file was converted from.
     static PiImagePtr read(const std::string& path, std::string& error,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piClip.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@
 // files in the pattern's directory that match it, from the lowest frame to
 // the highest. Frames of the range that have no file are the sequence's
 // missing frames.
-class TsSequence {
+class TS_CORE_API TsSequence {
 public:
     // Whether a file name is a pattern (holds a frame number's place).
     static bool isPattern(const std::string& name);

@@ -2,6 +2,7 @@
 
 #include <tesseraCore/io/tsClip.h>
 #include <tesseraCore/io/tsSequence.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <base/rcShdPtr.h>
 
@@ -18,7 +19,7 @@ enum class TsMissingFrames { Refuse, Hold, Black };
 // How a sequence is opened: its range ("" to find it on disk, or
 // "FIRST-LAST") and what it does with the frames of the range that have no
 // file.
-struct TsSequenceOptions {
+struct TS_CORE_API TsSequenceOptions {
     std::string range;
     TsMissingFrames missing = TsMissingFrames::Refuse;
 };
@@ -34,18 +35,17 @@ public:
     // Null, with `error` naming the frame and the file, for a sequence that
     // cannot be opened. `used`, when given, receives the colour space of the
     // first frame's file.
-    static RCShdPtr<TsSequenceClip> open(const std::string& pattern,
-                                         const TsSequenceOptions& options,
-                                         const std::string& colourSpace, std::string& error,
-                                         std::string* used = nullptr);
+    TS_CORE_API static RCShdPtr<TsSequenceClip>
+    open(const std::string& pattern, const TsSequenceOptions& options,
+         const std::string& colourSpace, std::string& error, std::string* used = nullptr);
 
     // "refuse", "hold", "black".
-    static bool parseMissing(const std::string& word, TsMissingFrames& missing);
+    TS_CORE_API static bool parseMissing(const std::string& word, TsMissingFrames& missing);
 
     const TsSequence& getSequence() const { return _sequence; }
 
 private:
-    TsSequenceClip(const TsSequence& sequence, int width, int height, Maker make);
+    TS_CORE_API TsSequenceClip(const TsSequence& sequence, int width, int height, Maker make);
 
     TsSequence _sequence;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/img/tsKeyerPass.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <pluginAPI/piClip.h>
 
@@ -22,7 +23,7 @@ class TsKeyerNode;
 // interrupted render never leaves a damaged frame; a resumed render skips the
 // frames whose every output is already complete (its file opens and holds an
 // image of the plate's size).
-class TsShotRender {
+class TS_CORE_API TsShotRender {
 public:
     struct Output {
         std::string kind;             // for messages: matte, comp, ...

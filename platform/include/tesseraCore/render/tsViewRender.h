@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tesseraCore/img/tsKeyerPass.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <pluginAPI/piImage.h>
 #include <pluginAPI/piViewRenderer.h>
@@ -15,7 +16,7 @@ class TsKeyerNode;
 // settings read at the frame (TsKeyerPass). The one way in for everything
 // that shows or writes what the keyer makes: the viewer (through a
 // TsViewRenderer), outputs, scores and batch renders.
-class TsViewRender {
+class TS_CORE_API TsViewRender {
 public:
     // "source", "matte", "status", "foreground", "composite": the views in
     // the order of TsViewMode.
@@ -37,7 +38,7 @@ public:
 // node's inputs changed (an edit, an undo, a load), or the frame, the view or
 // the reduced width did; otherwise it answers the image it made last. Reduced
 // renders come from the keyer pass's proxies (TsKeyerPass::renderViewer).
-class TsViewRenderer : public PiViewRenderer {
+class TS_CORE_API TsViewRenderer : public PiViewRenderer {
 public:
     explicit TsViewRenderer(const RCShdPtr<const TsKeyerNode>& node);
 

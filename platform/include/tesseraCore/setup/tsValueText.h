@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pluginAPI/piValue.h>
+#include <tesseraCore/tesseraCoreExport.h>
 
 #include <string>
 
@@ -9,7 +10,7 @@
 // three numbers, flags as true or false, names in double quotes with the
 // quote, the backslash and the newline escaped (\", \\ and \n). Readers of
 // both take \n inside quotes as a newline and \x as the character x.
-class TsValueText {
+class TS_CORE_API TsValueText {
 public:
     enum class Quote { Always, WhenNeeded };
 

@@ -1,0 +1,5 @@
+#pragma once
+
+// What libZNtesseraCore exports: the classes, functions and variables marked with
+// this macro. The library is built with its symbols hidden (docs/host.md).
+#define TS_CORE_API __attribute__((visibility("default")))
