@@ -14,6 +14,7 @@ struct SessionRunArgs {
     const char* command = ""; // the command line, for the resume hint
 };
 
-// Answers the program's exit status.
-extern "C" int tesseraRunSession(const SessionRunArgs* args);
+// Answers the program's exit status. The library's one export: the rest of it,
+// the host session included, is hidden (apps/CMakeLists.txt).
+extern "C" __attribute__((visibility("default"))) int tesseraRunSession(const SessionRunArgs* args);
 using TesseraRunSessionEntry = int (*)(const SessionRunArgs*);
