@@ -4,6 +4,9 @@
 # and publishes platform/include as its include root, so that code includes
 # <lib>/xxx.h (include/tessera in an installed tree). Installed, it is the
 # imported target Tessera::<lib> (cmake/TesseraInstall.cmake).
+#
+# Its symbols are hidden: what it exports carries its export macro, declared
+# in <lib>/<lib>Export.h (docs/host.md).
 function(zn_platform_library lib)
     cmake_parse_arguments(ARG "" "" "DEPS;PRIVATE_DEPS" ${ARGN})
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS
@@ -15,6 +18,7 @@ function(zn_platform_library lib)
     target_include_directories(${target} PUBLIC
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform/include>
         $<INSTALL_INTERFACE:include/tessera>)
-    set_target_properties(${target} PROPERTIES EXPORT_NAME ${lib})
+    set_target_properties(${target} PROPERTIES EXPORT_NAME ${lib} CXX_VISIBILITY_PRESET hidden
+        VISIBILITY_INLINES_HIDDEN ON)
     target_link_libraries(${target} PUBLIC ${ARG_DEPS} PRIVATE tessera_flags ${ARG_PRIVATE_DEPS})
 endfunction()
