@@ -185,11 +185,62 @@ private:
     void applyBoxRulesBlock(const float* cr, const float* cg, const float* cb, const float* r,
                             const float* g, const float* b, float* alpha) const;
 
+    // The colours a box rule can change lie within bounds along r, g and b;
+    // a block of colours wholly outside them is left alone without testing
+    // each colour. A box that cannot be inverted has no bounds.
+    struct ColourBounds {
+        float lo[3];
+        float hi[3];
+        static ColourBounds around(const CoAffineMatrixTyped<float>& box, float radius);
+        // The least and greatest of a block's colours. A NaN is passed over:
+        // no rule changes the alpha of a colour with a NaN in it.
+        [[gnu::always_inline]] static ColourBounds
+        of(const float* __restrict r, const float* __restrict g, const float* __restrict b) {
+            using TsPixelMath::maxOf;
+            using TsPixelMath::minOf;
+            // Sixteen lanes at a time, so that the loops vectorise; then the
+            // lanes.
+            constexpr int Lanes = 16;
+            const float* planes[3] = {r, g, b};
+            ColourBounds bounds;
+            for (int c = 0; c < 3; ++c) {
+                const float* __restrict v = planes[c];
+                float lo[Lanes], hi[Lanes];
+                for (int l = 0; l < Lanes; ++l) {
+                    lo[l] = v[l];
+                    hi[l] = v[l];
+                }
+                for (int k = Lanes; k < BlockSize; k += Lanes) {
+                    for (int l = 0; l < Lanes; ++l) {
+                        lo[l] = minOf(v[k + l], lo[l]);
+                        hi[l] = maxOf(v[k + l], hi[l]);
+                    }
+                }
+                for (int l = 1; l < Lanes; ++l) {
+                    lo[0] = minOf(lo[l], lo[0]);
+                    hi[0] = maxOf(hi[l], hi[0]);
+                }
+                bounds.lo[c] = lo[0];
+                bounds.hi[c] = hi[0];
+            }
+            return bounds;
+        }
+        bool misses(const ColourBounds& block) const {
+            for (int c = 0; c < 3; ++c) {
+                if (block.lo[c] > hi[c] || block.hi[c] < lo[c]) {
+                    return true;
+                }
+            }
+            return false;
+        }
+    };
+
     struct BoxRule {
         CoAffineMatrixTyped<float> box;
         int mode;          // 1, 2, 3 for the patches, 0 for the degrain box
         float reach;       // 1 + range
         float invSoftness; // 1 / softness, or a huge value for a hard edge
+        ColourBounds bounds;
     };
 
     CoRgbColorTyped<float> _key;
@@ -198,5 +249,6 @@ private:
     Base _base;
     bool _degrain = false;
     CoAffineMatrixTyped<float> _degrainBox;
+    ColourBounds _degrainBounds;
     std::vector<BoxRule> _patches;
 };

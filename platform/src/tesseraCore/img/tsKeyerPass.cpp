@@ -117,12 +117,52 @@ streamBlockAvx(const float* __restrict r, const float* __restrict g, const float
     }
 }
 
+// Sixteen pixels at a time with AVX-512: each store writes a whole cache
+// line, so that a line waits for no second store before it leaves. (GCC 12
+// warns of an undefined register inside its own unpack intrinsics.)
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+__attribute__((target("avx512f"))) inline void
+streamBlockAvx512(const float* __restrict r, const float* __restrict g, const float* __restrict b,
+                  const float* __restrict a, float* __restrict dst) {
+    for (int k = 0; k < Block; k += 16) {
+        const __m512 vr = _mm512_load_ps(r + k);
+        const __m512 vg = _mm512_load_ps(g + k);
+        const __m512 vb = _mm512_load_ps(b + k);
+        const __m512 va = _mm512_load_ps(a + k);
+        // Within each 128-bit quarter as with AVX: pixels 0 4 8 12 in p0, 1 5
+        // 9 13 in p1, and so on; then the quarters in order.
+        const __m512 rg0 = _mm512_unpacklo_ps(vr, vg);
+        const __m512 rg1 = _mm512_unpackhi_ps(vr, vg);
+        const __m512 ba0 = _mm512_unpacklo_ps(vb, va);
+        const __m512 ba1 = _mm512_unpackhi_ps(vb, va);
+        const __m512 p0 = _mm512_shuffle_ps(rg0, ba0, 0x44);
+        const __m512 p1 = _mm512_shuffle_ps(rg0, ba0, 0xee);
+        const __m512 p2 = _mm512_shuffle_ps(rg1, ba1, 0x44);
+        const __m512 p3 = _mm512_shuffle_ps(rg1, ba1, 0xee);
+        const __m512 t0 = _mm512_shuffle_f32x4(p0, p1, 0x44); // 0 4 1 5
+        const __m512 t1 = _mm512_shuffle_f32x4(p2, p3, 0x44); // 2 6 3 7
+        const __m512 t2 = _mm512_shuffle_f32x4(p0, p1, 0xee); // 8 12 9 13
+        const __m512 t3 = _mm512_shuffle_f32x4(p2, p3, 0xee); // 10 14 11 15
+        float* out = dst + 4 * k;
+        _mm512_stream_ps(out, _mm512_shuffle_f32x4(t0, t1, 0x88));
+        _mm512_stream_ps(out + 16, _mm512_shuffle_f32x4(t0, t1, 0xdd));
+        _mm512_stream_ps(out + 32, _mm512_shuffle_f32x4(t2, t3, 0x88));
+        _mm512_stream_ps(out + 48, _mm512_shuffle_f32x4(t2, t3, 0xdd));
+    }
+}
+#pragma GCC diagnostic pop
+
 // The processor's features may be asked before the runtime's own start-up
 // code has looked at them, hence the explicit initialisation.
 const bool haveAvx = (__builtin_cpu_init(), __builtin_cpu_supports("avx"));
+const bool haveAvx512 = (__builtin_cpu_init(), __builtin_cpu_supports("avx512f"));
 #else
 constexpr bool haveAvx = false;
+constexpr bool haveAvx512 = false;
 inline void streamBlockAvx(const float*, const float*, const float*, const float*, float*) {}
+inline void streamBlockAvx512(const float*, const float*, const float*, const float*, float*) {}
 #endif
 
 // Orders the streaming stores before the work is handed back.
@@ -134,15 +174,19 @@ inline bool streamable(const float*) {
     return false;
 }
 constexpr bool haveAvx = false;
+constexpr bool haveAvx512 = false;
 inline void streamBlock(const float*, const float*, const float*, const float*, float*) {}
 inline void streamBlockAvx(const float*, const float*, const float*, const float*, float*) {}
+inline void streamBlockAvx512(const float*, const float*, const float*, const float*, float*) {}
 inline void finishStores() {}
 #endif
 
 inline void store(const float* __restrict r, const float* __restrict g, const float* __restrict b,
                   const float* __restrict a, float* __restrict dst, int n) {
     if (n == Block && streamable(dst)) {
-        if (haveAvx) {
+        if (haveAvx512 && (reinterpret_cast<std::uintptr_t>(dst) & 63u) == 0) {
+            streamBlockAvx512(r, g, b, a, dst);
+        } else if (haveAvx) {
             streamBlockAvx(r, g, b, a, dst);
         } else {
             streamBlock(r, g, b, a, dst);
@@ -334,64 +378,83 @@ foregroundBlock(const TsDespillStage::Core& core, const CoRgbColorTyped<float>& 
     }
 }
 
-// One row prepared for the rows around it: per block the screen estimate's
-// line, how far the grain reaches there (FlatSpread times it) and how much the
-// clean screen widens the core; per pixel the softness coordinates of the
-// colour in the key colour's light (d1 with a block of margin either side,
-// the end pixels repeated) and the sum, least and greatest d1 of each pixel
-// with its left and right neighbours. Planes are padded to whole blocks.
+// The pass keys a range of rows one column of tiles at a time: a tile is
+// TileBlocks blocks wide, so that the three prepared rows around the one
+// being keyed stay in the first-level cache (a whole UHD row of them would
+// not, and the pass would wait on the second level for every pixel).
+constexpr int TileBlocks = 4;
+constexpr int TileWidth = TileBlocks * Block;
+// How many rows ahead of the one being keyed the plate is fetched.
+constexpr int FetchAhead = 3;
+
+// One row of a tile prepared for the rows around it: per block the screen
+// estimate's line, how far the grain reaches there (FlatSpread times it) and
+// how much the clean screen widens the core; per pixel the softness
+// coordinates of the colour in the key colour's light (d1 with a block of
+// margin either side, holding the pixels next to the tile, or the end pixel
+// repeated at the plate's edge) and the sum, least and greatest d1 of each
+// pixel with its left and right neighbours. Planes are TileWidth long.
 struct PreparedRow {
     int row = -1;
-    Line* lines;
-    float* reach;
-    float* widen;
-    float* d1;
-    float* d2;
-    float* d3;
-    float* sum;
-    float* lo;
-    float* hi;
-
-    // The planes laid out in `storage`, size(padded) floats.
-    PreparedRow(float* storage, int padded) {
-        const int blocks = padded / Block;
-        lines = reinterpret_cast<Line*>(storage);
-        float* p = storage + blocks * LineFloats;
-        reach = p;
-        widen = reach + blocks;
-        d1 = widen + blocks + Block;
-        d2 = d1 + padded + Block;
-        d3 = d2 + padded;
-        sum = d3 + padded;
-        lo = sum + padded;
-        hi = lo + padded;
-    }
-    static constexpr int LineFloats = sizeof(Line) / sizeof(float);
-    static std::size_t size(int padded) {
-        const std::size_t blocks = static_cast<std::size_t>(padded / Block);
-        return blocks * (LineFloats + 2) + 6 * static_cast<std::size_t>(padded) + 2 * Block;
-    }
+    const Line* lines;
+    float reach[TileBlocks];
+    float widen[TileBlocks];
+    alignas(64) float d1m[TileWidth + 2 * Block];
+    alignas(64) float d2[TileWidth];
+    alignas(64) float d3[TileWidth];
+    alignas(64) float sum[TileWidth];
+    alignas(64) float lo[TileWidth];
+    alignas(64) float hi[TileWidth];
+    float* d1() { return d1m + Block; }
+    const float* d1() const { return d1m + Block; }
 };
-static_assert(sizeof(TsScreenEstimate::Line) % sizeof(float) == 0 &&
-              alignof(TsScreenEstimate::Line) <= alignof(float));
 
+// The lines of rows y0 .. y1 - 1 for every block of the plate, computed once
+// for all the tiles of a range of rows.
+struct RowLines {
+    std::vector<Line> lines;
+    int y0 = 0;
+    int blocks = 0;
+    void compute(const TsScreenEstimate& screen, int width, int first, int last) {
+        blocks = (width + Block - 1) / Block;
+        y0 = first;
+        lines.resize(static_cast<std::size_t>(blocks) * static_cast<std::size_t>(last - first));
+        for (int y = first; y < last; ++y) {
+            screen.rowLines(y, &lines[static_cast<std::size_t>(y - first) * blocks]);
+        }
+    }
+    const Line* row(int y) const { return &lines[static_cast<std::size_t>(y - y0) * blocks]; }
+};
+
+// d1 of pixel x of plate row src, with the line of its block.
+[[gnu::always_inline]] inline float d1At(const TsMatteStage::Base& base, const float* src,
+                                         const Line* lines, int x) {
+    const Line& line = lines[x / Block];
+    const float k = steps.v[x % Block];
+    float d1, d2, d3;
+    base.coords(src[4 * x] * (line.start[0] + line.step[0] * k),
+                src[4 * x + 1] * (line.start[1] + line.step[1] * k),
+                src[4 * x + 2] * (line.start[2] + line.step[2] * k), d1, d2, d3);
+    return d1;
+}
+
+// Pixels t0 .. t0 + TileWidth - 1 (or to the plate's edge) of row y.
 TS_PIXEL_KERNEL
-void prepareRow(const RowJob& job, const TsMatteStage::Base& base, int y, PreparedRow& row) {
+void prepareRow(const RowJob& job, const TsMatteStage::Base& base, const RowLines& rowLines, int y,
+                int t0, PreparedRow& row) {
     const int width = job.plate.getWidth();
+    const int end = std::min(width, t0 + TileWidth);
     row.row = y;
-    job.screen.rowLines(y, row.lines);
+    row.lines = rowLines.row(y) + t0 / Block;
     const float zero = tsPixelZero, one = tsPixelOne;
     const float* src = job.plate.row(y);
+    float* d1 = row.d1();
     Planes p;
-    for (int x0 = 0, block = 0; x0 < width; x0 += Block, ++block) {
-        if (x0 + (8 + 1) * Block <= width) {
-            for (int line = 0; line < 4 * Block; line += 16) {
-                __builtin_prefetch(src + 4 * (x0 + 8 * Block) + line);
-            }
-        }
+    for (int x0 = t0, block = 0; x0 < end; x0 += Block, ++block) {
         load(src + 4 * x0, p, std::min(Block, width - x0));
         const Line& line = row.lines[block];
-        coordsBlock(base, line, p.r, p.g, p.b, row.d1 + x0, row.d2 + x0, row.d3 + x0);
+        coordsBlock(base, line, p.r, p.g, p.b, d1 + (x0 - t0), row.d2 + (x0 - t0),
+                    row.d3 + (x0 - t0));
         // The grain and the share at the block's middle.
         using V = TsScreenEstimate::Value;
         const float middle = 0.5f * static_cast<float>(Block);
@@ -402,15 +465,17 @@ void prepareRow(const RowJob& job, const TsMatteStage::Base& base, int y, Prepar
         row.reach[block] = TsKeyerPass::FlatSpread * grain;
         row.widen[block] = clean * grain;
     }
-    row.d1[-1] = row.d1[0];
-    row.d1[width] = row.d1[width - 1];
-    for (int x0 = 0; x0 < width; x0 += Block) {
-        rowNeighbours(row.d1 + x0, row.sum + x0, row.lo + x0, row.hi + x0);
+    const Line* lines = rowLines.row(y);
+    d1[-1] = t0 > 0 ? d1At(base, src, lines, t0 - 1) : d1[0];
+    d1[end - t0] = end < width ? d1At(base, src, lines, end) : d1[end - t0 - 1];
+    for (int x0 = 0; x0 < end - t0; x0 += Block) {
+        rowNeighbours(d1 + x0, row.sum + x0, row.lo + x0, row.hi + x0);
     }
 }
 
-// Rows j0 .. j1 - 1 of one view, in blocks of pixels split into planes. Each
-// thread keeps the rows around the one it keys in a ring of three.
+// Rows j0 .. j1 - 1 of one view, tile by tile, in blocks of pixels split
+// into planes. Each thread keeps the rows around the one it keys in a ring of
+// three.
 TS_PIXEL_KERNEL
 void keyRows(const RowJob& job, int j0, int j1) {
     Planes plate;
@@ -431,76 +496,83 @@ void keyRows(const RowJob& job, int j0, int j1) {
     const TsDespillStage::Core& core = job.despill.getCore();
     const CoRgbColorTyped<float>& key = job.matte.getKeyColour();
     const float zero = tsPixelZero, one = tsPixelOne;
-    const int padded = (width + Block - 1) / Block * Block;
-    // The ring's storage is the thread's, kept from one render to the next
-    // (a fresh allocation of this size is fresh pages from the system).
-    thread_local std::vector<float> storage;
-    const std::size_t rowSize = PreparedRow::size(padded);
-    if (storage.size() < 3 * rowSize) {
-        storage.assign(3 * rowSize, 0.0f);
-    }
-    PreparedRow ring[3] = {PreparedRow(storage.data(), padded),
-                           PreparedRow(storage.data() + rowSize, padded),
-                           PreparedRow(storage.data() + 2 * rowSize, padded)};
-    auto prepared = [&](int y) -> const PreparedRow& {
-        y = std::clamp(y, 0, height - 1);
-        PreparedRow& r = ring[y % 3];
-        if (r.row != y) {
-            prepareRow(job, base, y, r);
+    // The thread's ring and lines are kept from one render to the next.
+    thread_local PreparedRow ring[3];
+    thread_local RowLines rowLines;
+    const int first = std::max(j0 - 1, 0), last = std::min(j1 + 1, height);
+    rowLines.compute(job.screen, width, first, last);
+    for (int t0 = 0; t0 < width; t0 += TileWidth) {
+        const int t1 = std::min(width, t0 + TileWidth);
+        for (PreparedRow& r : ring) {
+            r.row = -1;
         }
-        return r;
-    };
-    for (int j = j0; j != j1; ++j) {
-        const PreparedRow& below = prepared(j - 1);
-        const PreparedRow& above = prepared(j + 1);
-        const PreparedRow& here = prepared(j);
-        const float* src = job.plate.row(j);
-        float* dst = job.out.row(j);
-        for (int x0 = 0, block = 0; x0 < width; x0 += Block, ++block) {
-            const int n = std::min(Block, width - x0);
-            const Line& line = here.lines[block];
-            if (rawColours) {
-                load(src + 4 * x0, plate, n);
+        auto prepared = [&](int y) -> const PreparedRow& {
+            y = std::clamp(y, 0, height - 1);
+            PreparedRow& r = ring[y % 3];
+            if (r.row != y) {
+                prepareRow(job, base, rowLines, y, t0, r);
             }
-            degrainBlock(here.d1 + x0, below.sum + x0, here.sum + x0, above.sum + x0, below.lo + x0,
-                         here.lo + x0, above.lo + x0, below.hi + x0, here.hi + x0, above.hi + x0,
-                         here.reach[block], here.widen[block], flat);
-            alphaBlock(base, flat, here.d2 + x0, here.d3 + x0, fg.a, zero, one);
-            if (boxRules) {
-                lightBlock(line, plate.r, plate.g, plate.b, light.r, light.g, light.b);
-                job.matte.applyBoxRules(light.r, light.g, light.b, plate.r, plate.g, plate.b, fg.a,
-                                        Block);
-            }
-            if (colour && despilling) {
-                foregroundBlock<true>(core, key, line, plate.r, plate.g, plate.b, fg.a,
-                                      here.d1 + x0, here.d2 + x0, here.d3 + x0, fg.r, fg.g, fg.b,
-                                      zero, one);
-            } else if (colour) {
-                foregroundBlock<false>(core, key, line, plate.r, plate.g, plate.b, fg.a,
-                                       here.d1 + x0, here.d2 + x0, here.d3 + x0, fg.r, fg.g, fg.b,
-                                       zero, one);
-            }
-            switch (job.mode) {
-            case TsViewMode::Matte:
-                storeGrey(fg.a, dst + 4 * x0, n);
-                break;
-            case TsViewMode::Status:
-                for (int k = 0; k < Block; ++k) {
-                    const float a = fg.a[k];
-                    status[k] = a <= 0.0f ? 0.0f : (a >= 1.0f ? 1.0f : 0.5f);
+            return r;
+        };
+        for (int j = j0; j != j1; ++j) {
+            const PreparedRow& below = prepared(j - 1);
+            const PreparedRow& above = prepared(j + 1);
+            const PreparedRow& here = prepared(j);
+            const float* src = job.plate.row(j);
+            float* dst = job.out.row(j);
+            // The tile of a row to be prepared soon is fetched while this
+            // one is keyed.
+            const float* next = job.plate.row(std::min(j + FetchAhead, height - 1));
+            for (int x0 = t0, block = 0; x0 < t1; x0 += Block, ++block) {
+                const int n = std::min(Block, width - x0);
+                for (int line = 0; line < 4 * n; line += 16) {
+                    __builtin_prefetch(next + 4 * x0 + line, 0, 2);
                 }
-                storeGrey(status, dst + 4 * x0, n);
-                break;
-            case TsViewMode::Foreground:
-                store(fg.r, fg.g, fg.b, fg.a, dst + 4 * x0, n);
-                break;
-            case TsViewMode::Composite:
-                loadBackground(job.background, x0, j, n, job.checkerScale, bg);
-                job.blend.composite(fg.r, fg.g, fg.b, fg.a, bg.r, bg.g, bg.b, bg.a, Block);
-                store(fg.r, fg.g, fg.b, fg.a, dst + 4 * x0, n);
-                break;
-            case TsViewMode::Source:
-                break;
+                const int i = x0 - t0;
+                const Line& line = here.lines[block];
+                if (rawColours) {
+                    load(src + 4 * x0, plate, n);
+                }
+                degrainBlock(here.d1() + i, below.sum + i, here.sum + i, above.sum + i,
+                             below.lo + i, here.lo + i, above.lo + i, below.hi + i, here.hi + i,
+                             above.hi + i, here.reach[block], here.widen[block], flat);
+                alphaBlock(base, flat, here.d2 + i, here.d3 + i, fg.a, zero, one);
+                if (boxRules) {
+                    lightBlock(line, plate.r, plate.g, plate.b, light.r, light.g, light.b);
+                    job.matte.applyBoxRules(light.r, light.g, light.b, plate.r, plate.g, plate.b,
+                                            fg.a, Block);
+                }
+                if (colour && despilling) {
+                    foregroundBlock<true>(core, key, line, plate.r, plate.g, plate.b, fg.a,
+                                          here.d1() + i, here.d2 + i, here.d3 + i, fg.r, fg.g, fg.b,
+                                          zero, one);
+                } else if (colour) {
+                    foregroundBlock<false>(core, key, line, plate.r, plate.g, plate.b, fg.a,
+                                           here.d1() + i, here.d2 + i, here.d3 + i, fg.r, fg.g,
+                                           fg.b, zero, one);
+                }
+                switch (job.mode) {
+                case TsViewMode::Matte:
+                    storeGrey(fg.a, dst + 4 * x0, n);
+                    break;
+                case TsViewMode::Status:
+                    for (int k = 0; k < Block; ++k) {
+                        const float a = fg.a[k];
+                        status[k] = a <= 0.0f ? 0.0f : (a >= 1.0f ? 1.0f : 0.5f);
+                    }
+                    storeGrey(status, dst + 4 * x0, n);
+                    break;
+                case TsViewMode::Foreground:
+                    store(fg.r, fg.g, fg.b, fg.a, dst + 4 * x0, n);
+                    break;
+                case TsViewMode::Composite:
+                    loadBackground(job.background, x0, j, n, job.checkerScale, bg);
+                    job.blend.composite(fg.r, fg.g, fg.b, fg.a, bg.r, bg.g, bg.b, bg.a, Block);
+                    store(fg.r, fg.g, fg.b, fg.a, dst + 4 * x0, n);
+                    break;
+                case TsViewMode::Source:
+                    break;
+                }
             }
         }
     }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -19,6 +20,31 @@ float unit(double v) {
 constexpr float HardEdge = 1e30f;
 
 } // namespace
+
+TsMatteStage::ColourBounds TsMatteStage::ColourBounds::around(const CoAffineMatrixTyped<float>& box,
+                                                              float radius) {
+    constexpr float Unbounded = std::numeric_limits<float>::infinity();
+    ColourBounds bounds{{-Unbounded, -Unbounded, -Unbounded}, {Unbounded, Unbounded, Unbounded}};
+    CoAffineMatrixTyped<float> inverse;
+    if (!box.computeInverse(inverse)) {
+        return bounds;
+    }
+    // The box's cube [-radius, radius]^3 taken back to colours: a
+    // parallelepiped about the inverse's translation. A margin keeps rounding
+    // from leaving out a colour at its very edge.
+    for (int c = 0; c < 3; ++c) {
+        const float extent = radius * (std::fabs(inverse[c]) + std::fabs(inverse[4 + c]) +
+                                       std::fabs(inverse[8 + c]));
+        const float centre = inverse[12 + c];
+        const float margin = 1e-3f * (extent + std::fabs(centre)) + 1e-6f;
+        if (!std::isfinite(extent) || !std::isfinite(centre)) {
+            return bounds;
+        }
+        bounds.lo[c] = centre - extent - margin;
+        bounds.hi[c] = centre + extent + margin;
+    }
+    return bounds;
+}
 
 TsMatteStage::TsMatteStage(const TsKeyerSettings& settings) {
     const auto& p = settings.matte;
@@ -55,14 +81,17 @@ TsMatteStage::TsMatteStage(const TsKeyerSettings& settings) {
 
     _degrain = settings.degrainOn && settings.degrainBox != CoAffineMatrixTyped<float>::IDENTITY;
     _degrainBox = settings.degrainBox;
+    _degrainBounds = ColourBounds::around(_degrainBox, 1.0f);
 
     for (const TsKeyerSettings::Patch& patch : settings.patches) {
         if (patch.mode < 1 || patch.mode > 3 || patch.box == CoAffineMatrixTyped<float>::IDENTITY) {
             continue;
         }
         const float softness = unit(patch.softness);
-        _patches.push_back({patch.box, patch.mode, 1.0f + unit(patch.range),
-                            softness > 0.0f ? 1.0f / softness : HardEdge});
+        const float reach = 1.0f + unit(patch.range);
+        _patches.push_back({patch.box, patch.mode, reach,
+                            softness > 0.0f ? 1.0f / softness : HardEdge,
+                            ColourBounds::around(patch.box, reach + softness)});
     }
 }
 
@@ -140,7 +169,9 @@ void TsMatteStage::applyBoxRulesBlock(const float* __restrict cr, const float* _
                                       const float* __restrict g, const float* __restrict b,
                                       float* __restrict alpha) const {
     const float zero = tsPixelZero, one = tsPixelOne;
-    if (_degrain) {
+    const ColourBounds block = ColourBounds::of(r, g, b);
+    if (_degrain &&
+        !(_degrainBounds.misses(block) && _degrainBounds.misses(ColourBounds::of(cr, cg, cb)))) {
         const auto& m = _degrainBox;
         const float m0 = m[0], m4 = m[4], m8 = m[8], m12 = m[12];
         const float m1 = m[1], m5 = m[5], m9 = m[9], m13 = m[13];
@@ -160,6 +191,9 @@ void TsMatteStage::applyBoxRulesBlock(const float* __restrict cr, const float* _
     }
 
     for (const BoxRule& patch : _patches) {
+        if (patch.bounds.misses(block)) {
+            continue;
+        }
         const auto& m = patch.box;
         const float m0 = m[0], m4 = m[4], m8 = m[8], m12 = m[12];
         const float m1 = m[1], m5 = m[5], m9 = m[9], m13 = m[13];
