@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/coRgbaColorTyped.h>
+#include <base/memAlignedAllocator.h>
 #include <base/rcBase.h>
 #include <base/rcShdPtr.h>
 #include <pluginAPI/piClip.h>
@@ -61,5 +62,7 @@ public:
 private:
     int _width = 0;
     int _height = 0;
-    std::vector<float> _pixels;
+    // Rows start on a cache line wherever the width allows (a multiple of
+    // four pixels).
+    std::vector<float, MemAlignedAllocator<float, 64>> _pixels;
 };

@@ -438,25 +438,41 @@ struct RowLines {
     return d1;
 }
 
-// Pixels t0 .. t0 + TileWidth - 1 (or to the plate's edge) of row y.
-TS_PIXEL_KERNEL
-void prepareRow(const RowJob& job, const TsMatteStage::Base& base, const RowLines& rowLines, int y,
-                int t0, PreparedRow& row) {
-    const int width = job.plate.getWidth();
-    const int end = std::min(width, t0 + TileWidth);
-    row.row = y;
-    row.lines = rowLines.row(y) + t0 / Block;
-    const float zero = tsPixelZero, one = tsPixelOne;
-    const float* src = job.plate.row(y);
-    float* d1 = row.d1();
-    Planes p;
-    for (int x0 = t0, block = 0; x0 < end; x0 += Block, ++block) {
-        load(src + 4 * x0, p, std::min(Block, width - x0));
+// Prepares one row of a tile block by block (see PreparedRow), so that the
+// pass can prepare the row above the one it keys block by block as it goes:
+// the plate is then read while the view is written, rather than in turns.
+class RowPreparer {
+public:
+    RowPreparer(const RowJob& job, const TsMatteStage::Base& base, const RowLines& rowLines, int t0)
+        : _job(job)
+        , _base(base)
+        , _rowLines(rowLines)
+        , _t0(t0)
+        , _end(std::min(job.plate.getWidth(), t0 + TileWidth))
+        , _blocks((_end - t0 + Block - 1) / Block) {}
+
+    int getBlocks() const { return _blocks; }
+
+    void begin(int y, PreparedRow& row) {
+        _row = &row;
+        row.row = y;
+        row.lines = _rowLines.row(y) + _t0 / Block;
+        _src = _job.plate.row(y);
+    }
+
+    // The softness coordinates of one block, and its grain's reach and the
+    // widening of the core.
+    [[gnu::always_inline]] void coords(int block) {
+        PreparedRow& row = *_row;
+        const int i = block * Block;
+        const int x0 = _t0 + i;
+        Planes p;
+        load(_src + 4 * x0, p, std::min(Block, _job.plate.getWidth() - x0));
         const Line& line = row.lines[block];
-        coordsBlock(base, line, p.r, p.g, p.b, d1 + (x0 - t0), row.d2 + (x0 - t0),
-                    row.d3 + (x0 - t0));
+        coordsBlock(_base, line, p.r, p.g, p.b, row.d1() + i, row.d2 + i, row.d3 + i);
         // The grain and the share at the block's middle.
         using V = TsScreenEstimate::Value;
+        const float zero = tsPixelZero, one = tsPixelOne;
         const float middle = 0.5f * static_cast<float>(Block);
         const float grain = line.start[V::Grain] + line.step[V::Grain] * middle;
         const float share = line.start[V::Share] + line.step[V::Share] * middle;
@@ -465,13 +481,56 @@ void prepareRow(const RowJob& job, const TsMatteStage::Base& base, const RowLine
         row.reach[block] = TsKeyerPass::FlatSpread * grain;
         row.widen[block] = clean * grain;
     }
-    const Line* lines = rowLines.row(y);
-    d1[-1] = t0 > 0 ? d1At(base, src, lines, t0 - 1) : d1[0];
-    d1[end - t0] = end < width ? d1At(base, src, lines, end) : d1[end - t0 - 1];
-    for (int x0 = 0; x0 < end - t0; x0 += Block) {
-        rowNeighbours(d1 + x0, row.sum + x0, row.lo + x0, row.hi + x0);
+
+    // The neighbours of one block's pixels: the coordinates of this block
+    // and of the next one's first pixel must be there.
+    [[gnu::always_inline]] void neighbours(int block) {
+        PreparedRow& row = *_row;
+        float* d1 = row.d1();
+        const int width = _job.plate.getWidth();
+        const Line* lines = _rowLines.row(row.row);
+        if (block == 0) {
+            d1[-1] = _t0 > 0 ? d1At(_base, _src, lines, _t0 - 1) : d1[0];
+        }
+        if (block == _blocks - 1) {
+            const int n = _end - _t0;
+            d1[n] = _end < width ? d1At(_base, _src, lines, _end) : d1[n - 1];
+        }
+        const int i = block * Block;
+        rowNeighbours(d1 + i, row.sum + i, row.lo + i, row.hi + i);
     }
-}
+
+    // Row y of the ring of three (clamped to the plate), prepared whole
+    // unless it is there already.
+    [[gnu::always_inline]] PreparedRow& inRing(PreparedRow* ring, int y) {
+        y = std::clamp(y, 0, _job.plate.getHeight() - 1);
+        PreparedRow& row = ring[y % 3];
+        if (row.row != y) {
+            whole(y, row);
+        }
+        return row;
+    }
+
+    [[gnu::always_inline]] void whole(int y, PreparedRow& row) {
+        begin(y, row);
+        for (int block = 0; block < _blocks; ++block) {
+            coords(block);
+        }
+        for (int block = 0; block < _blocks; ++block) {
+            neighbours(block);
+        }
+    }
+
+private:
+    const RowJob& _job;
+    const TsMatteStage::Base& _base;
+    const RowLines& _rowLines;
+    int _t0;
+    int _end;
+    int _blocks;
+    PreparedRow* _row = nullptr;
+    const float* _src = nullptr;
+};
 
 // Rows j0 .. j1 - 1 of one view, tile by tile, in blocks of pixels split
 // into planes. Each thread keeps the rows around the one it keys in a ring of
@@ -497,27 +556,28 @@ void keyRows(const RowJob& job, int j0, int j1) {
     const CoRgbColorTyped<float>& key = job.matte.getKeyColour();
     const float zero = tsPixelZero, one = tsPixelOne;
     // The thread's ring and lines are kept from one render to the next.
-    thread_local PreparedRow ring[3];
+    thread_local std::vector<PreparedRow> kept(3);
+    PreparedRow* ring = kept.data();
     thread_local RowLines rowLines;
     const int first = std::max(j0 - 1, 0), last = std::min(j1 + 1, height);
     rowLines.compute(job.screen, width, first, last);
     for (int t0 = 0; t0 < width; t0 += TileWidth) {
         const int t1 = std::min(width, t0 + TileWidth);
-        for (PreparedRow& r : ring) {
+        for (PreparedRow& r : kept) {
             r.row = -1;
         }
-        auto prepared = [&](int y) -> const PreparedRow& {
-            y = std::clamp(y, 0, height - 1);
-            PreparedRow& r = ring[y % 3];
-            if (r.row != y) {
-                prepareRow(job, base, rowLines, y, t0, r);
-            }
-            return r;
-        };
+        RowPreparer preparer(job, base, rowLines, t0);
         for (int j = j0; j != j1; ++j) {
-            const PreparedRow& below = prepared(j - 1);
-            const PreparedRow& above = prepared(j + 1);
-            const PreparedRow& here = prepared(j);
+            const PreparedRow& below = preparer.inRing(ring, j - 1);
+            const PreparedRow& here = preparer.inRing(ring, j);
+            // The row above is prepared block by block as this one is keyed.
+            const int up = std::min(j + 1, height - 1);
+            PreparedRow& above = ring[up % 3];
+            const bool preparing = above.row != up;
+            if (preparing) {
+                preparer.begin(up, above);
+                preparer.coords(0);
+            }
             const float* src = job.plate.row(j);
             float* dst = job.out.row(j);
             // The tile of a row to be prepared soon is fetched while this
@@ -527,6 +587,12 @@ void keyRows(const RowJob& job, int j0, int j1) {
                 const int n = std::min(Block, width - x0);
                 for (int line = 0; line < 4 * n; line += 16) {
                     __builtin_prefetch(next + 4 * x0 + line, 0, 2);
+                }
+                if (preparing) {
+                    if (block + 1 < preparer.getBlocks()) {
+                        preparer.coords(block + 1);
+                    }
+                    preparer.neighbours(block);
                 }
                 const int i = x0 - t0;
                 const Line& line = here.lines[block];
