@@ -26,7 +26,8 @@ template class TsUiImp<TsUiImpGeneration1>;
 RCShdPtr<RCBase<LkCounter<int>>> tsUiImpFactory(const RCShdPtr<PiWidget>& widget,
                                                 const RCShdPtr<PiGroupNode>& group,
                                                 const RCShdPtr<const PiTimePath>& timePath) {
-    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpGeneration1>(widget, group, timePath));
+    return RCShdPtr<RCBase<LkCounter<int>>>(
+        new TsUiImp<TsUiImpGeneration1>(widget, group, timePath));
 }
 
 void tsUiImpInitialise() {

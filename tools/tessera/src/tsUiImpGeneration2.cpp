@@ -23,10 +23,11 @@ std::vector<std::string>& TsUiImpGeneration2::getToolNames() {
 
 template class TsUiImp<TsUiImpGeneration2>;
 
-RCShdPtr<RCBase<LkCounter<int>>> tsUiImpGeneration2Factory(const RCShdPtr<PiWidget>& widget,
-                                                 const RCShdPtr<PiGroupNode>& group,
-                                                 const RCShdPtr<const PiTimePath>& timePath) {
-    return RCShdPtr<RCBase<LkCounter<int>>>(new TsUiImp<TsUiImpGeneration2>(widget, group, timePath));
+RCShdPtr<RCBase<LkCounter<int>>>
+tsUiImpGeneration2Factory(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGroupNode>& group,
+                          const RCShdPtr<const PiTimePath>& timePath) {
+    return RCShdPtr<RCBase<LkCounter<int>>>(
+        new TsUiImp<TsUiImpGeneration2>(widget, group, timePath));
 }
 
 void tsUiImpGeneration2Initialise() {

@@ -20,9 +20,9 @@ struct TsUiImpGeneration2 {
 
 // The instance-data factory of generation 2, registered with
 // TsInterface3.
-RCShdPtr<RCBase<LkCounter<int>>> tsUiImpGeneration2Factory(const RCShdPtr<PiWidget>& widget,
-                                                 const RCShdPtr<PiGroupNode>& group,
-                                                 const RCShdPtr<const PiTimePath>& timePath);
+RCShdPtr<RCBase<LkCounter<int>>>
+tsUiImpGeneration2Factory(const RCShdPtr<PiWidget>& widget, const RCShdPtr<PiGroupNode>& group,
+                          const RCShdPtr<const PiTimePath>& timePath);
 
 // Start-up sets the factory and fills the variant's tool-name list; shut-down
 // leaves the factory in place.
