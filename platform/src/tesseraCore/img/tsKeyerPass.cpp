@@ -365,10 +365,16 @@ foregroundBlock(const TsDespillStage::Core& core, const CoRgbColorTyped<float>& 
     for (int k = 0; k < Block; ++k) {
         const float a = alpha[k];
         const float rest = one - a;
-        const float inverse = a > TsKeyerPass::MinUnmixAlpha ? one / a : zero;
-        float x = maxOf((r[k] - rest * key.r / (r0 + rs * steps.v[k])) * inverse, zero);
-        float y = maxOf((g[k] - rest * key.g / (g0 + gs * steps.v[k])) * inverse, zero);
-        float z = maxOf((b[k] - rest * key.b / (b0 + bs * steps.v[k])) * inverse, zero);
+        // 1 / a and the screen K / gain of each channel from one division
+        // (a division costs as much as a dozen multiplications).
+        const float gr = r0 + rs * steps.v[k], gg = g0 + gs * steps.v[k], gb = b0 + bs * steps.v[k];
+        const float grg = gr * gg;
+        const float shared = a > TsKeyerPass::MinUnmixAlpha ? one / (a * grg * gb) : zero;
+        const float inverse = grg * gb * shared;
+        const float screenShare = rest * a * shared;
+        float x = maxOf((r[k] - key.r * (gg * gb) * screenShare) * inverse, zero);
+        float y = maxOf((g[k] - key.g * (gr * gb) * screenShare) * inverse, zero);
+        float z = maxOf((b[k] - key.b * grg * screenShare) * inverse, zero);
         if constexpr (Despill) {
             core.apply(x, y, z, d1[k], d2[k], d3[k], zero, one);
         }
