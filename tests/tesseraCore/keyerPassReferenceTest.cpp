@@ -324,13 +324,13 @@ private:
 // Random scenes: a screen-like key (green or blue), random matte parameters,
 // up to three patches of any mode, the degrain box, spill, edge balance and
 // light wrap; a plate of colours spread over the cube, crowded around the
-// key and the patches, two blocks of pixels wide plus a short tail; a
+// key and the patches, wider than the pass's tiles with a short tail; a
 // background that ends before the plate does. The parameters stay where
 // float rounding is well below the tolerance (an edge softness and a spill
 // range not at their steepest).
 class RandomScenes : public ::testing::Test {
 protected:
-    static constexpr int W = 131;
+    static constexpr int W = 300;
     static constexpr int H = 5;
     // The pass's float maths, vectorised and contracted as each compiler
     // chooses, against the reference's plain order of operations: a few
@@ -394,7 +394,12 @@ protected:
             for (int i = 0; i < W; ++i) {
                 Rgb c;
                 const unsigned kind = rng() % 10;
-                if (kind < 4) {
+                // Some stretches repeat the pixel below, so that flat
+                // neighbourhoods occur (also across the pass's tiles).
+                if (kind >= 7 && j > 0) {
+                    const Rgba below = plate.getPixel(i, j - 1);
+                    c = {below.r, below.g, below.b};
+                } else if (kind < 4) {
                     c = {uniform(-0.05f, 1.05f), uniform(-0.05f, 1.05f), uniform(-0.05f, 1.05f)};
                 } else {
                     const Rgb& centre = centres[rng() % centres.size()];
