@@ -41,6 +41,9 @@ public:
         log.push_back("monitor");
         value->setValue((bar->getValue() + 100.0) / 200.0);
         maybeThrow("monitor");
+        if (interruptInMonitor) {
+            interruptManipulation();
+        }
     }
     void finalizeManipulation(const PiEventContext&) override {
         log.push_back("finalize");
@@ -57,6 +60,7 @@ public:
     RCShdPtr<PiInputValue<double>> value;
     std::vector<std::string> log;
     std::string throwIn;
+    bool interruptInMonitor = false; // as a value change that closes a viewer does
 };
 
 class ToolScene : public GfxScene {
@@ -173,6 +177,24 @@ TEST_F(ToolScene, ABarKeepsItsSizeOnScreenWhenZoomingWhateverItsScalingBehaviour
         EXPECT_FLOAT_EQ(bars[0].x1 - bars[0].x0, 200.0f) << behaviour;
         EXPECT_FLOAT_EQ(0.5f * (bars[0].x0 + bars[0].x1), origin.x) << behaviour;
     }
+}
+
+// A release away from the last move monitors first; when that ends the drag
+// (a value change that closes a viewer interrupts it), the release has
+// nothing left to end.
+TEST_F(ToolScene, AReleaseWhoseLastMoveEndsTheDragEndsNothingMore) {
+    tool->interruptInMonitor = true;
+    auto p = press(onBar(0));
+    viewer.deliver(p);
+    auto r = release(onBar(50));
+    viewer.deliver(r);
+    EXPECT_EQ(tool->log,
+              (std::vector<std::string>{"prepare", "initiate grasped", "monitor", "finalize"}));
+    EXPECT_FALSE(tool->isManipulating());
+    EXPECT_FALSE(tool->bar->isManipulating());
+    EXPECT_FALSE(stack().isStepOpen());
+    EXPECT_DOUBLE_EQ(amountValue(), 0.75);
+    EXPECT_EQ(stack().getStepCount(), 1);
 }
 
 } // namespace

@@ -33,7 +33,11 @@ bool MfTool::handleEvent(const PiEventContext& context) {
             if (!last || !(last->getCoord() == context.getDeviceEvent().getCoord())) {
                 monitor(context);
             }
-            release(context);
+            // The last move may have ended the drag already: a value change
+            // that closes a viewer interrupts it.
+            if (_grasped) {
+                release(context);
+            }
             event.setProcessed(true);
         } else if (event.isA<EvFocusOutEvent>() || event.isA<EvGrabLostEvent>()) {
             interruptManipulation();
@@ -107,6 +111,9 @@ void MfTool::release(const PiEventContext& context) {
     } catch (...) {
         abandon();
         throw;
+    }
+    if (_grasped != manipulator) {
+        return; // finalising interrupted the drag, which ended it
     }
     manipulator->endManipulation(context);
     _grasped = nullptr;
