@@ -774,7 +774,7 @@ void TsKeyerPass::run(const PiImage& plate, const PiImage* background,
                      mode,
                      checkerScale};
     // Each range of rows prepares the row either side of it again: ranges of
-    // at least RowsPerTask keep that below a few per cent.
+    // RowsPerTask / 2 to RowsPerTask rows keep that to a few per cent.
     tbb::parallel_for(
         tbb::blocked_range<int>(0, height, RowsPerTask),
         [&](const tbb::blocked_range<int>& rows) { keyRows(job, rows.begin(), rows.end()); });
